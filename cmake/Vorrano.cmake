@@ -1,0 +1,82 @@
+# What every folder's build file uses: one library per folder, one test program per folder of tests.
+include_guard()
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+find_program(VORRANO_CCACHE ccache)
+if(VORRANO_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${VORRANO_CCACHE}")
+endif()
+find_program(VORRANO_LLD ld.lld)
+if(VORRANO_LLD)
+    add_link_options(-fuse-ld=lld)
+endif()
+
+add_library(vorrano_warnings INTERFACE)
+target_compile_options(vorrano_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # g++ 12 sees an overlap in every assignment of a literal to a std::string (GCC bug 105651).
+    target_compile_options(vorrano_warnings INTERFACE -Wno-restrict)
+endif()
+if(VORRANO_CCACHE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # Without it ccache refuses precompiled headers.
+    target_compile_options(vorrano_warnings INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
+endif()
+
+# vorrano_library(<name> FOLDER <folder below src/> [ONLY <regex> | EXCEPT <regex>]
+#                 [PUBLIC <libraries>...] [PRIVATE <libraries>...])
+#
+# All sources of the folder (not of its subfolders) as the library vorrano_<name>; or only those, or all but those, whose
+# path matches the expression, for a folder that holds two libraries. Its headers are reached as
+# "<folder>/<Header>.h", and only by who links the library: each library has an include folder of its own, so a
+# header of a folder that was not linked is not found.
+function(vorrano_library name)
+    cmake_parse_arguments(arg "" "FOLDER;ONLY;EXCEPT" "PUBLIC;PRIVATE" ${ARGN})
+    set(folder "${PROJECT_SOURCE_DIR}/src/${arg_FOLDER}")
+    file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cpp")
+    if(arg_ONLY)
+        list(FILTER sources INCLUDE REGEX "${arg_ONLY}")
+    elseif(arg_EXCEPT)
+        list(FILTER sources EXCLUDE REGEX "${arg_EXCEPT}")
+    endif()
+    set(root "${PROJECT_BINARY_DIR}/include/${name}")
+    get_filename_component(parent "${root}/${arg_FOLDER}" DIRECTORY)
+    file(MAKE_DIRECTORY "${parent}")
+    file(CREATE_LINK "${folder}" "${root}/${arg_FOLDER}" SYMBOLIC)
+    if(sources)
+        add_library(vorrano_${name} STATIC ${sources})
+        set(visible PUBLIC)
+        target_link_libraries(vorrano_${name} PRIVATE vorrano_warnings ${arg_PRIVATE})
+    else()
+        add_library(vorrano_${name} INTERFACE)
+        set(visible INTERFACE)
+    endif()
+    target_include_directories(vorrano_${name} ${visible} "${root}")
+    target_link_libraries(vorrano_${name} ${visible} ${arg_PUBLIC})
+endfunction()
+
+# vorrano_test(<name> FOLDER <folder below tests/> LIBRARIES <libraries>... [LABELS <labels>...] [LOCK <resource>])
+#
+# All sources of the folder as one test program; each TEST becomes a test of CTest's.
+function(vorrano_test name)
+    cmake_parse_arguments(arg "" "FOLDER;LOCK" "LIBRARIES;LABELS" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${arg_FOLDER}/*.cpp")
+    if(NOT sources)
+        return()
+    endif()
+    add_executable(test_${name} ${sources})
+    target_link_libraries(test_${name} PRIVATE ${arg_LIBRARIES} vorrano_warnings GTest::gmock GTest::gtest_main)
+    target_precompile_headers(test_${name} PRIVATE <gtest/gtest.h> <gmock/gmock.h> <string> <vector> <functional>)
+    set(properties TIMEOUT 120)
+    if(arg_LABELS)
+        list(APPEND properties LABELS "${arg_LABELS}")
+    endif()
+    if(arg_LOCK)
+        list(APPEND properties RESOURCE_LOCK "${arg_LOCK}")
+    endif()
+    gtest_discover_tests(test_${name} TEST_PREFIX "${name}." NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+                         PROPERTIES ${properties})
+endfunction()
