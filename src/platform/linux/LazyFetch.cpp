@@ -1,0 +1,55 @@
+#include "platform/linux/LazyFetch.h"
+
+#include "platform/System.h"
+
+#include <dlfcn.h>
+
+namespace vorrano::linux_platform {
+
+namespace {
+
+// The module stays loaded: the libraries behind libcurl do not take to being unloaded.
+AbortableFetch* fetchOfModule()
+{
+    void* module = dlopen(kFetchModule, RTLD_NOW | RTLD_LOCAL);
+    void* maker = module == nullptr ? nullptr : dlsym(module, kFetchMaker);
+    return maker == nullptr ? nullptr : reinterpret_cast<FetchMaker*>(maker)();
+}
+
+} // namespace
+
+LazyFetch::LazyFetch(platform::SystemLog& log)
+    : m_log(log)
+{}
+
+std::optional<std::string> LazyFetch::contentsOfUrl(const std::string& address)
+{
+    auto* const fetch = loaded();
+    return fetch == nullptr ? std::nullopt : fetch->contentsOfUrl(address);
+}
+
+void LazyFetch::abort()
+{
+    const std::lock_guard lock(m_mutex);
+    m_aborted = true;
+    if (m_fetch) {
+        m_fetch->abort();
+    }
+}
+
+AbortableFetch* LazyFetch::loaded()
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_aborted) {
+        return nullptr;
+    }
+    if (!m_fetch) {
+        m_fetch.reset(fetchOfModule());
+        if (!m_fetch) {
+            m_log.write("The module for web fetches can't be loaded");
+        }
+    }
+    return m_fetch.get();
+}
+
+} // namespace vorrano::linux_platform

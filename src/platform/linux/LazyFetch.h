@@ -1,0 +1,35 @@
+#pragma once
+
+#include "platform/linux/AbortableFetch.h"
+
+#include <memory>
+#include <mutex>
+
+namespace vorrano::platform {
+class SystemLog;
+}
+
+namespace vorrano::linux_platform {
+
+// Fetches by a module that is loaded with the first fetch: libcurl and the thirty libraries behind it take longer to
+// load than everything else between the program's start and its first window.
+//
+// Threads: as UrlFetch and AbortableFetch say. Without the module every fetch gives none, and a line in the log says
+// so.
+class LazyFetch final : public AbortableFetch {
+public:
+    explicit LazyFetch(platform::SystemLog& log);
+
+    [[nodiscard]] std::optional<std::string> contentsOfUrl(const std::string& address) override;
+    void abort() override;
+
+private:
+    [[nodiscard]] AbortableFetch* loaded();
+
+    platform::SystemLog& m_log;
+    std::mutex m_mutex; // of what follows; held while the module is loaded, never during a fetch
+    std::unique_ptr<AbortableFetch> m_fetch;
+    bool m_aborted = false;
+};
+
+} // namespace vorrano::linux_platform

@@ -1,0 +1,135 @@
+#include "platform/linux/NetworkManagerWifi.h"
+
+#include "platform/linux/SystemBus.h"
+
+#include <algorithm>
+
+#include <QByteArray>
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QDBusReply>
+#include <QDBusVariant>
+#include <QUtf8StringView>
+
+namespace vorrano::linux_platform {
+
+namespace {
+
+constexpr std::chrono::milliseconds kLimit = std::chrono::seconds(1);
+constexpr unsigned kWifiDeviceType = 2;
+
+const QString kService = QStringLiteral("org.freedesktop.NetworkManager");
+const QString kManagerPath = QStringLiteral("/org/freedesktop/NetworkManager");
+const QString kDevice = QStringLiteral("org.freedesktop.NetworkManager.Device");
+const QString kWirelessDevice = QStringLiteral("org.freedesktop.NetworkManager.Device.Wireless");
+const QString kAccessPoint = QStringLiteral("org.freedesktop.NetworkManager.AccessPoint");
+
+QDBusMessage propertyCall(const QString& path, const QString& interface, const QString& property)
+{
+    return methodCall(kService, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
+                      {interface, property});
+}
+
+bool isRunning(const TimedCalls& calls)
+{
+    const QDBusReply<bool> hasOwner =
+        calls.ask(methodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                             QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"), {kService}));
+    return hasOwner.isValid() && hasOwner.value();
+}
+
+std::optional<QStringList> pathsFrom(const QDBusMessage& answer)
+{
+    const QDBusReply<QList<QDBusObjectPath>> reply = answer;
+    if (!reply.isValid()) {
+        return std::nullopt;
+    }
+    QStringList paths;
+    const auto objects = reply.value();
+    std::transform(objects.begin(), objects.end(), std::back_inserter(paths), [](const auto& o) { return o.path(); });
+    return paths;
+}
+
+// The property of each object, in the objects' order, invalid for one that has gone; none when time ran out.
+std::optional<std::vector<QVariant>> propertiesOf(const QStringList& paths, const QString& interface,
+                                                  const QString& property, const TimedCalls& calls)
+{
+    std::vector<QDBusPendingCall> pending;
+    for (const auto& path : paths) {
+        pending.push_back(calls.send(propertyCall(path, interface, property)));
+    }
+    std::vector<QVariant> values;
+    for (const auto& call : pending) {
+        const auto answer = TimedCalls::answerTo(call);
+        if (TimedCalls::isMissing(answer)) {
+            return std::nullopt;
+        }
+        const QDBusReply<QDBusVariant> reply = answer;
+        values.push_back(reply.isValid() ? reply.value().variant() : QVariant());
+    }
+    return values;
+}
+
+std::optional<QString> firstWifiDevice(const TimedCalls& calls)
+{
+    const auto devices =
+        pathsFrom(calls.ask(methodCall(kService, kManagerPath, kService, QStringLiteral("GetDevices"))));
+    const auto types = devices ? propertiesOf(*devices, kDevice, QStringLiteral("DeviceType"), calls) : std::nullopt;
+    if (!types) {
+        return std::nullopt;
+    }
+    const auto isWifi = [](const QVariant& type) { return type.toUInt() == kWifiDeviceType; };
+    const auto first = std::find_if(types->begin(), types->end(), isWifi);
+    return first == types->end() ? std::nullopt : std::optional(devices->at(first - types->begin()));
+}
+
+// Refused or not, it is for the next reader.
+void sendScanRequest(const QString& device)
+{
+    auto request = methodCall(kService, device, kWirelessDevice, QStringLiteral("RequestScan"), {QVariantMap()});
+    QDBusConnection::systemBus().send(request);
+}
+
+// A hidden network's SSID is empty, or as many zeros as it has characters.
+bool isShown(const QByteArray& ssid)
+{
+    const bool isHidden = std::all_of(ssid.begin(), ssid.end(), [](char c) { return c == '\0'; });
+    return !isHidden && QUtf8StringView(ssid.data(), ssid.size()).isValidUtf8();
+}
+
+std::vector<std::string> shownNames(const std::vector<QVariant>& ssids)
+{
+    std::vector<std::string> names;
+    for (const auto& value : ssids) {
+        const auto ssid = value.toByteArray();
+        if (isShown(ssid) && std::find(names.begin(), names.end(), ssid.toStdString()) == names.end()) {
+            names.push_back(ssid.toStdString());
+        }
+    }
+    return names;
+}
+
+} // namespace
+
+std::optional<std::vector<std::string>> NetworkManagerWifi::scanForNetworks()
+{
+    const TimedCalls calls(kLimit);
+    if (!QDBusConnection::systemBus().isConnected() || !isRunning(calls)) {
+        return std::nullopt;
+    }
+    const auto device = firstWifiDevice(calls);
+    if (!device) {
+        return std::nullopt;
+    }
+    const auto points =
+        pathsFrom(calls.ask(methodCall(kService, *device, kWirelessDevice, QStringLiteral("GetAllAccessPoints"))));
+    const auto values = points ? propertiesOf(*points, kAccessPoint, QStringLiteral("Ssid"), calls) : std::nullopt;
+    if (!values) {
+        return std::nullopt;
+    }
+    sendScanRequest(*device);
+    return shownNames(*values);
+}
+
+} // namespace vorrano::linux_platform

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "platform/DeviceRegistry.h"
+#include "platform/MainQueue.h"
+#include "platform/linux/DeviceHandles.h"
+#include "platform/linux/DeviceSource.h"
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QSocketNotifier;
+
+namespace vorrano::linux_platform {
+
+// The serial devices that udev knows.
+//
+// It begins to listen with the first question asked of it, and needs the main thread's event loop from then on. What
+// comes and goes is known at once (nodeOfCalloutPath() answers accordingly) and told on the main queue, one event per
+// task, the next once what the one before left to the queue has run.
+// Lifetime: the queue outlives it; what the queue still holds of it does nothing once it has gone.
+class UdevDeviceRegistry final : public platform::DeviceRegistry {
+public:
+    explicit UdevDeviceRegistry(platform::MainQueue& mainQueue);
+    UdevDeviceRegistry(platform::MainQueue& mainQueue, std::unique_ptr<DeviceSource> source);
+    ~UdevDeviceRegistry() override;
+
+    [[nodiscard]] std::optional<platform::DeviceIterator> serialStreamDevices() override;
+    Watch watch(platform::DeviceEvent event, std::function<void(platform::DeviceIterator)> told) override;
+    platform::DeviceHandle next(platform::DeviceIterator iterator) override;
+    [[nodiscard]] std::optional<std::string> stringProperty(platform::DeviceHandle device,
+                                                            std::string_view key) const override;
+    void retain(std::uint32_t handle) override;
+    void release(std::uint32_t handle) override;
+    [[nodiscard]] std::optional<std::string> nodeOfCalloutPath(const std::string& path) const override;
+
+private:
+    struct Event {
+        std::uint64_t number;
+        platform::DeviceEvent kind;
+        DeviceHandles::Use device;
+    };
+    struct WatchEntry {
+        platform::DeviceIterator list;
+        platform::DeviceEvent kind;
+        // The number of the last event whose outcome it was given as its list at the start.
+        std::uint64_t since;
+    };
+    using Present = std::list<DeviceHandles::Use>;
+
+    bool ensureStarted();
+    void receiveEvents();
+    void handle(const TtyAdded& added);
+    void handle(const TtyRemoved& removed);
+    void handle(const OtherEvent& other);
+    void handle(const EventsLost& lost);
+    [[nodiscard]] bool wasSeenByEnumeration(std::uint64_t number) const;
+
+    [[nodiscard]] std::optional<std::vector<SerialDevice>> enumerate();
+    platform::DeviceHandle add(const SerialDevice& device);
+    void remove(Present::iterator device);
+    [[nodiscard]] Present::iterator find(const std::string& sysPath);
+    [[nodiscard]] std::vector<platform::DeviceHandle> presentDevices() const;
+    void post(platform::DeviceEvent kind, platform::DeviceHandle device);
+    void submitDelivery();
+    void deliverNext();
+
+    platform::MainQueue& m_mainQueue;
+    const std::unique_ptr<DeviceSource> m_source;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    std::uint64_t m_enumeratedUpTo = 0;
+
+    DeviceHandles m_handles;
+    Present m_present;
+    std::deque<Event> m_events;
+    std::uint64_t m_lastEvent = 0;
+    bool m_isDelivering = false;
+    std::vector<WatchEntry> m_watches;
+
+    mutable std::mutex m_nodesMutex;
+    std::map<std::string, std::string> m_nodesByCalloutPath;
+
+    // Held weakly by the tasks on the main queue.
+    std::shared_ptr<UdevDeviceRegistry*> m_self;
+};
+
+} // namespace vorrano::linux_platform
