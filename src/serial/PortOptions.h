@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/Terminal.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace vorrano::serial {
+
+// Any other value that is set counts as SerialParityNone.
+enum SerialParity : std::uint64_t { SerialParityNone = 0, SerialParityOdd = 1, SerialParityEven = 2 };
+
+// Flow control by DTR, DSR and DCD has no flags on Linux: asking for it is kept and changes no setting.
+inline constexpr tcflag_t kCdtrIflow = 0;
+inline constexpr tcflag_t kCdsrOflow = 0;
+inline constexpr tcflag_t kCcarOflow = 0;
+// Both directions of RTS/CTS are one flag here.
+inline constexpr tcflag_t kCctsOflowCrtsIflow = CRTSCTS;
+
+// How a port sets up its line.
+struct PortOptions {
+    std::shared_ptr<const unsigned long> baudRate = nullptr;
+    std::uint64_t numberOfStopBits = 1;
+    SerialParity parity = SerialParityNone;
+    bool shouldEchoReceivedData = false;
+    bool usesRTSCTSFlowControl = false;
+    bool usesDTRDSRFlowControl = false;
+    bool usesDCDOutputFlowControl = false;
+};
+
+// Writes the options, all but the rate, into a terminal's settings: raw bytes of eight bits, a read that returns once
+// one byte is there.
+void writeOptions(const PortOptions& options, termios& settings);
+
+// Takes flow control out, so that nothing that waits for the other side can hold up a change of the settings.
+void clearFlowControl(termios& settings);
+
+} // namespace vorrano::serial

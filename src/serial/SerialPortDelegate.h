@@ -1,0 +1,103 @@
+#pragma once
+
+#include "serial/SerialRequest.h"
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace vorrano::serial {
+
+class SerialPort;
+
+enum class SerialPortCallback : std::uint32_t {
+    WasRemovedFromSystem = 1,
+    DidReceiveData = 2,
+    DidReceiveResponseToRequest = 4,
+    RequestDidTimeout = 8,
+    DidEncounterError = 16,
+    WasOpened = 32,
+    WasClosed = 64,
+};
+
+// A set of callbacks, small enough for one atomic word.
+class SerialPortCallbacks {
+public:
+    constexpr SerialPortCallbacks() = default;
+    constexpr SerialPortCallbacks(std::initializer_list<SerialPortCallback> callbacks)
+    {
+        for (const auto callback : callbacks) {
+            m_bits |= static_cast<std::uint32_t>(callback);
+        }
+    }
+    [[nodiscard]] constexpr bool contains(SerialPortCallback callback) const
+    {
+        return (m_bits & static_cast<std::uint32_t>(callback)) != 0;
+    }
+    [[nodiscard]] static constexpr SerialPortCallbacks all()
+    {
+        using enum SerialPortCallback;
+        return {WasRemovedFromSystem,
+                DidReceiveData,
+                DidReceiveResponseToRequest,
+                RequestDidTimeout,
+                DidEncounterError,
+                WasOpened,
+                WasClosed};
+    }
+
+private:
+    std::uint32_t m_bits = 0;
+};
+
+// A failed system call of a port.
+struct SerialError {
+    static constexpr std::string_view kDomain = "NSPOSIXErrorDomain";
+    int code = 0;            // errno
+    std::string description; // the system's text for it
+    std::string path;        // the port's
+
+    friend bool operator==(const SerialError&, const SerialError&) = default;
+};
+
+// Hears what happens to a port.
+//
+// Threads: everything on the main thread, in the order in which it happened; callbacks() too.
+// Lifetime: a port holds its delegate weakly, and looks it up when a callback is due: one that is gone by then hears
+// nothing, one that took its place hears it instead.
+class SerialPortDelegate {
+public:
+    SerialPortDelegate() = default;
+    SerialPortDelegate(const SerialPortDelegate&) = delete;
+    SerialPortDelegate& operator=(const SerialPortDelegate&) = delete;
+    virtual ~SerialPortDelegate() = default;
+
+    // Those below that this delegate implements; no other is called. Asked when it becomes a port's delegate, and
+    // before each callback.
+    [[nodiscard]] virtual SerialPortCallbacks callbacks() const = 0;
+
+    // The device is gone. The port closes right after this call, unless it has been opened anew by then.
+    virtual void serialPortWasRemovedFromSystem(SerialPort& /*port*/) {}
+
+    // Every chunk that was read (at most 1024 bytes), request or not; before the response that it completes.
+    virtual void serialPortDidReceiveData(SerialPort& /*port*/, const Bytes& /*data*/) {}
+
+    // What the request's evaluator accepted; never empty.
+    virtual void serialPortDidReceiveResponseToRequest(SerialPort& /*port*/, const Bytes& /*response*/,
+                                                       const std::shared_ptr<SerialRequest>& /*request*/)
+    {}
+
+    // The request is null where its time-out outlived it: a reply that came in while an earlier time-out was on its way
+    // started the request, and that time-out's end took it away again.
+    virtual void serialPortRequestDidTimeout(SerialPort& /*port*/, const std::shared_ptr<SerialRequest>& /*request*/) {}
+
+    // What fails in a call made on the main thread is told inside that call.
+    virtual void serialPortDidEncounterError(SerialPort& /*port*/, const SerialError& /*error*/) {}
+
+    virtual void serialPortWasOpened(SerialPort& /*port*/) {}
+    virtual void serialPortWasClosed(SerialPort& /*port*/) {}
+};
+
+} // namespace vorrano::serial
