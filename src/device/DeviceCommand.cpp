@@ -1,0 +1,71 @@
+#include "device/DeviceCommand.h"
+
+#include "app/session/Text.h"
+
+#include <cmath>
+
+namespace vorrano::device {
+
+namespace {
+
+constexpr double kThrottleFactor = 1.5;
+constexpr std::size_t kShortestReply = 4;
+constexpr std::size_t kMacPacketLength = 19;
+
+std::string characterOf(std::uint16_t unit)
+{
+    return text::textFromUtf16(std::u16string(1, static_cast<char16_t>(unit)));
+}
+
+} // namespace
+
+std::string bytesOf(DeviceCommand command) { return {static_cast<char>(command)}; }
+
+std::string endMark() { return std::string(1, '\0'); }
+
+std::string replaceSSIDSpacesWithDollarSign(std::string_view ssid) { return text::replacingAll(ssid, ' ', '$'); }
+
+std::string replaceDollarSignWithSpaces(std::string_view reply) { return text::replacingAll(reply, '$', ' '); }
+
+std::string characterOfLow16Bits(std::int64_t number) { return characterOf(static_cast<std::uint16_t>(number)); }
+
+std::string characterOfLow8Bits(std::int64_t number) { return characterOf(static_cast<std::uint8_t>(number)); }
+
+std::int64_t storedThrottle(std::int64_t throttle)
+{
+    return static_cast<std::int64_t>(static_cast<double>(throttle) / kThrottleFactor);
+}
+
+std::int32_t throttleFromReply(std::string_view reply)
+{
+    return text::saturatingInt32(std::round(text::doubleValue(reply) * kThrottleFactor));
+}
+
+serial::ResponseEvaluator atLeastFourBytes()
+{
+    return [](const serial::Bytes& received) { return received.size() >= kShortestReply; };
+}
+
+serial::ResponseEvaluator macPacket()
+{
+    return [](const serial::Bytes& received) { return received.size() >= kMacPacketLength; };
+}
+
+serial::ResponseEvaluator tripleTerminator(std::size_t minimum)
+{
+    return
+        [minimum](const serial::Bytes& received) { return received.size() >= minimum && received.ends_with("\n\n\r"); };
+}
+
+serial::ResponseEvaluator doubleTerminator()
+{
+    return
+        [](const serial::Bytes& received) { return received.size() >= kShortestReply && received.ends_with("\n\r"); };
+}
+
+serial::ResponseEvaluator always()
+{
+    return [](const serial::Bytes&) { return true; };
+}
+
+} // namespace vorrano::device

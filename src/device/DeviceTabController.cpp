@@ -1,0 +1,206 @@
+#include "device/DeviceTabController.h"
+
+#include "app/session/Text.h"
+#include "device/DeviceTexts.h"
+#include "platform/Alerts.h"
+#include "platform/NotificationCentre.h"
+#include "platform/Platform.h"
+#include "serial/SerialPort.h"
+#include "serial/SerialPortManager.h"
+
+#include <algorithm>
+#include <any>
+#include <chrono>
+#include <utility>
+
+namespace vorrano::device {
+
+using platform::Platform;
+using serial::SerialPort;
+using serial::SerialPortManager;
+
+namespace {
+
+constexpr unsigned long kBaudRate = 9600;
+constexpr std::chrono::duration<double> kTimeLimit{2.0};
+constexpr std::string_view kSpinner = "loginProgressIndicator";
+constexpr double kDimmed = 0.3;
+constexpr double kOpaque = 1.0;
+
+bool isVorrano(const std::shared_ptr<SerialPort>& port) { return port->path().find(kVorranoPath) != std::string::npos; }
+
+} // namespace
+
+DeviceTabController::DeviceTabController(std::string_view layoutName)
+    : m_alerts(Platform::current().alerts)
+    , m_notificationCentre(Platform::current().notificationCentre)
+    , m_view(Platform::current().layouts.loadView(layoutName))
+    , m_noVorranoConnectedLabel(m_view->label("noVorranoConnectedLabel"))
+{}
+
+DeviceTabController::~DeviceTabController() = default;
+
+void DeviceTabController::awakeFromNib()
+{
+    initializeSerialPortForCommunication();
+    updateNoVorranoConnectedLabel();
+    m_listObservation = m_portManager->observeAvailablePorts(
+        [this](const serial::SerialPortsChange&) { updateNoVorranoConnectedLabel(); });
+}
+
+void DeviceTabController::initializeSerialPortForCommunication()
+{
+    m_portManager = SerialPortManager::sharedSerialPortManager();
+    m_availablePorts = m_portManager->availablePorts();
+    const auto index = indexOfDevice();
+    if (index < m_availablePorts.size()) {
+        setSerialPort(SerialPort::serialPortWithPath(m_availablePorts[index]->path()));
+    } else {
+        setSerialPort(nullptr);
+    }
+    if (m_serialPort) {
+        m_serialPort->open();
+        // After the opening, which by itself applies the rate that the port had before.
+        m_serialPort->setBaudRate(std::make_shared<const unsigned long>(kBaudRate));
+    }
+    m_incomingDataBuffer.clear();
+}
+
+std::size_t DeviceTabController::indexOfDevice()
+{
+    const auto& ports = m_portManager->availablePorts();
+    const auto found = std::find_if(ports.begin(), ports.end(), isVorrano);
+    return found == ports.end() ? 0 : static_cast<std::size_t>(found - ports.begin());
+}
+
+void DeviceTabController::setSerialPort(std::shared_ptr<SerialPort> port)
+{
+    if (port == m_serialPort) {
+        return;
+    }
+    if (m_serialPort) {
+        m_serialPort->close();
+        m_serialPort->setDelegate({});
+    }
+    m_serialPort = std::move(port);
+    if (m_serialPort) {
+        m_serialPort->setDelegate(weak_from_this());
+    }
+}
+
+void DeviceTabController::serialPortWasRemovedFromSystem(SerialPort&)
+{
+    if (m_serialPort) {
+        m_serialPort->close();
+    }
+    setSerialPort(nullptr);
+}
+
+platform::Subscription DeviceTabController::observeConnections()
+{
+    return m_notificationCentre.observe(
+        serial::kSerialPortWasConnectedNotification, weak_from_this(),
+        [this](const platform::Notification&) { initializeSerialPortForCommunication(); });
+}
+
+bool DeviceTabController::isVorranoListed() const
+{
+    const auto& ports = m_portManager->availablePorts();
+    return std::any_of(ports.begin(), ports.end(), isVorrano);
+}
+
+void DeviceTabController::updateNoVorranoConnectedLabel() { m_noVorranoConnectedLabel.setHidden(isVorranoListed()); }
+
+void DeviceTabController::displayAndStartProgressIndicator(platform::Control&)
+{
+    m_view->setAlpha(kDimmed);
+    auto& spinner = m_view->progressIndicator(kSpinner);
+    spinner.setHidden(false);
+    spinner.startAnimation();
+}
+
+void DeviceTabController::hideAndStopProgressIndicator(platform::Control*)
+{
+    m_view->setAlpha(kOpaque);
+    auto& spinner = m_view->progressIndicator(kSpinner);
+    spinner.setHidden(true);
+    spinner.stopAnimation();
+}
+
+void DeviceTabController::displayAlertWithMessage(std::optional<std::string_view> message)
+{
+    if (message) {
+        displayAlert(device_text::kErrorTitle, *message);
+    }
+}
+
+void DeviceTabController::displayAlert(std::optional<std::string_view> messageText, std::string_view informativeText)
+{
+    m_alerts.runModal(
+        {std::optional<std::string>(messageText), {std::string(device_text::kOk)}, std::string(informativeText)});
+}
+
+void DeviceTabController::sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
+{
+    if (m_serialPort) {
+        m_serialPort->sendRequest(serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
+            std::move(data), std::any(), kTimeLimit, std::move(evaluator)));
+    }
+}
+
+void DeviceTabController::query(platform::Control& sender, DeviceCommand command, serial::ResponseEvaluator evaluator)
+{
+    displayAndStartProgressIndicator(sender);
+    setQueryNumber(command);
+    sendRequest(bytesOf(command), std::move(evaluator));
+}
+
+void DeviceTabController::sendFreeText(platform::Control& sender, DeviceCommand command, std::string value)
+{
+    displayAndStartProgressIndicator(sender);
+    setQueryNumber(command);
+    sendRequest(bytesOf(command));
+    sendRequest(std::move(value));
+    sendRequest(endMark(), atLeastFourBytes());
+}
+
+void DeviceTabController::sendCharacter(platform::Control& sender, DeviceCommand command, std::string character)
+{
+    displayAndStartProgressIndicator(sender);
+    setQueryNumber(command);
+    sendRequest(bytesOf(command));
+    sendRequest(std::move(character), atLeastFourBytes());
+}
+
+void DeviceTabController::reset(platform::Control& sender, DeviceCommand command, std::string_view finished)
+{
+    displayAndStartProgressIndicator(sender);
+    sendRequest(bytesOf(command), always());
+    displayAlert(finished, device_text::kSuccess);
+    hideAndStopProgressIndicator(&sender);
+}
+
+void DeviceTabController::write(const serial::Bytes& data)
+{
+    if (m_serialPort) {
+        m_serialPort->sendData(data);
+    }
+}
+
+void DeviceTabController::writeAwaitingAck(const serial::Bytes& data)
+{
+    write(data);
+    setWaitingForAck();
+}
+
+void DeviceTabController::receive(const serial::Bytes& data) { m_receivedString = text::textFromUtf8(data); }
+
+void DeviceTabController::receiveResponse(const serial::Bytes& response)
+{
+    receive(response);
+    if (m_receivedString && m_queryNumber == DeviceCommand::ReadSSID) {
+        m_receivedString = replaceDollarSignWithSpaces(*m_receivedString);
+    }
+}
+
+} // namespace vorrano::device

@@ -1,0 +1,37 @@
+#include "device/FirmwareVersion.h"
+
+#include "app/session/Text.h"
+#include "cloud/web/ServiceAddress.h"
+
+#include <cmath>
+#include <cstddef>
+#include <stdexcept>
+
+namespace vorrano::device {
+
+namespace {
+constexpr std::size_t kBeginOfVersion = 27;
+constexpr std::int32_t kFirstLongVersion = 11;
+} // namespace
+
+std::int32_t wholeVersion(double deviceVersion) { return text::saturatingInt32(std::floor(deviceVersion)); }
+
+std::string latestFirmwareAddress(std::string_view root, std::int32_t whole)
+{
+    return std::string(root).append(web::kGetLatestFirmware).append(std::to_string(whole));
+}
+
+double latestVersion(const std::optional<std::string>& answer, std::int32_t whole)
+{
+    if (!answer) {
+        return 0;
+    }
+    const std::size_t length = whole >= kFirstLongVersion ? 5 : 4;
+    const auto units = text::utf16FromText(*answer);
+    if (units.size() < kBeginOfVersion + length) {
+        throw std::out_of_range("the answer about the latest firmware is too short");
+    }
+    return text::doubleValue(text::textFromUtf16(units.substr(kBeginOfVersion, length)));
+}
+
+} // namespace vorrano::device
