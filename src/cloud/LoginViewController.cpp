@@ -1,0 +1,181 @@
+#include "cloud/LoginViewController.h"
+
+#include "app/session/GlobalVariables.h"
+#include "app/session/Text.h"
+#include "cloud/CloudAlerts.h"
+#include "cloud/LoginTexts.h"
+#include "cloud/ServiceRequests.h"
+#include "cloud/web/Reachability.h"
+#include "cloud/web/ServiceAddress.h"
+#include "platform/MainQueue.h"
+#include "platform/MainThreadDeleter.h"
+#include "platform/Platform.h"
+#include "platform/System.h"
+
+#include <chrono>
+#include <exception>
+#include <utility>
+
+namespace vorrano::cloud {
+
+using platform::Control;
+using platform::Platform;
+using session::GlobalVariables;
+
+namespace {
+
+constexpr double kDimmed = 0.3;
+constexpr double kOpaque = 1.0;
+// Long enough for the person to see that the sign-in went well.
+constexpr std::chrono::milliseconds kDelayOfSetupMenu{500};
+constexpr int kAccepted = 1;
+
+bool s_networksScanned = false;
+
+} // namespace
+
+std::shared_ptr<LoginViewController> LoginViewController::create(std::shared_ptr<platform::View> view,
+                                                                 LoginWindows windows)
+{
+    const std::shared_ptr<LoginViewController> controller(
+        new LoginViewController(std::move(view), std::move(windows)),
+        platform::MainThreadDeleter<LoginViewController>(Platform::current().mainQueue));
+    controller->connectActions();
+    return controller;
+}
+
+LoginViewController::LoginViewController(std::shared_ptr<platform::View> view, LoginWindows windows)
+    : m_layouts(Platform::current().layouts)
+    , m_alerts(Platform::current().alerts)
+    , m_mainQueue(Platform::current().mainQueue)
+    , m_wifi(Platform::current().wifi)
+    , m_view(std::move(view))
+    , m_windows(std::move(windows))
+    , m_accountId(m_view->textField("accountId"))
+    , m_password(m_view->textField("password"))
+    , m_loginProgressIndicator(m_view->progressIndicator("loginProgressIndicator"))
+{}
+
+LoginViewController::~LoginViewController() { m_view.reset(); }
+
+void LoginViewController::releaseShared() { s_networksScanned = false; }
+
+void LoginViewController::connectActions()
+{
+    using Handler = void (LoginViewController::*)(Control&);
+    const auto connect = [this](std::string_view button, Handler handler) {
+        m_view->button(button).onPress([weak = weak_from_this(), handler](Control& sender) {
+            if (const auto self = weak.lock()) {
+                ((*self).*handler)(sender);
+            }
+        });
+    };
+    connect("loginButton", &LoginViewController::loginButton);
+    connect("registerVorranoButton", &LoginViewController::registerVorranoButton);
+}
+
+void LoginViewController::awakeFromNib()
+{
+    m_success = false;
+    if (!std::exchange(s_networksScanned, true)) {
+        m_availableNetworks = m_wifi.scanForNetworks();
+    }
+}
+
+void LoginViewController::loginButton(Control& sender)
+{
+    if (isNetworkConnectionNotReachable()) {
+        m_alerts.runModal(networkNotReachableAlert());
+        return;
+    }
+    m_progressBarSender = &sender;
+    displayAndStartProgressIndicator(sender);
+    if (m_accountId.text().empty()) {
+        hideAndStopProgressIndicator(m_progressBarSender);
+        m_alerts.runModal(okAlert(kErrorTitle, login_text::kNoAccountID));
+        return;
+    }
+    if (m_password.text().empty()) {
+        hideAndStopProgressIndicator(m_progressBarSender);
+        m_alerts.runModal(okAlert(kErrorTitle, login_text::kNoPassword));
+        return;
+    }
+    handleLogin();
+}
+
+void LoginViewController::handleLogin()
+{
+    m_loginUser = "1";
+    m_accountId.setText(text::trimmingBlanks(m_accountId.text()));
+    m_webCall.fetch(loginAddress(web::serviceRoot(), m_accountId.text(), m_password.text()),
+                    [self = shared_from_this()](const web::Reply& json) { self->validateLoginWithJSON(json); });
+}
+
+void LoginViewController::validateLoginWithJSON(const web::Reply& json)
+{
+    try {
+        const auto accountID = json.key("data").at(0).key("Id").text();
+        if (accountID == "0") {
+            m_alerts.runModal(okAlert(login_text::kInvalidTitle, login_text::kTryAgain));
+            hideAndStopProgressIndicator(m_progressBarSender);
+            return;
+        }
+        // No answer at all signs in too, with an absent account id; that is intended.
+        GlobalVariables::setUserIsLoggedIn("1");
+        GlobalVariables::setGlobalAccountID(accountID);
+        m_success = true;
+        m_mainQueue.after(kDelayOfSetupMenu, [self = shared_from_this()] { self->navigateToSetupMenu(); });
+    } catch (const std::exception&) {
+        m_alerts.runModal(okAlert(login_text::kCouldNotConnectTitle, login_text::kTryAgain));
+        m_view->setAlpha(kOpaque);
+        hideAndStopProgressIndicator(m_progressBarSender);
+    }
+}
+
+void LoginViewController::registerVorranoButton(Control&)
+{
+    GlobalVariables::setUserIsLoggedIn("0");
+    m_eulaWindowViewController = m_windows.makeAgreement();
+    if (const auto keyWindow = m_layouts.keyWindow()) {
+        keyWindow->beginSheet(m_eulaWindowViewController->window(), [weak = weak_from_this()](int returnCode) {
+            if (const auto self = weak.lock()) {
+                self->agreementDidEnd(returnCode);
+            }
+        });
+    }
+}
+
+void LoginViewController::agreementDidEnd(int returnCode)
+{
+    if (returnCode == kAccepted) {
+        navigateToSetupMenu();
+    }
+    m_eulaWindowViewController.reset();
+}
+
+void LoginViewController::navigateToSetupMenu()
+{
+    if (const auto keyWindow = m_layouts.keyWindow()) {
+        keyWindow->close();
+    }
+    m_setupMenu = m_windows.makeSetupMenu();
+    m_setupMenu->window()->show();
+}
+
+void LoginViewController::displayAndStartProgressIndicator(Control&)
+{
+    m_view->setAlpha(kDimmed);
+    m_loginProgressIndicator.setHidden(false);
+    m_loginProgressIndicator.startAnimation();
+}
+
+void LoginViewController::hideAndStopProgressIndicator(Control*)
+{
+    m_view->setAlpha(kOpaque);
+    m_loginProgressIndicator.setHidden(true);
+    m_loginProgressIndicator.stopAnimation();
+}
+
+bool LoginViewController::isNetworkConnectionNotReachable() const { return web::isNetworkConnectionNotReachable(); }
+
+} // namespace vorrano::cloud

@@ -1,0 +1,147 @@
+#include "cloud/RegisterVorranoViewController.h"
+
+#include "app/session/GlobalVariables.h"
+#include "app/session/Text.h"
+#include "cloud/CloudAlerts.h"
+#include "cloud/RegisterTexts.h"
+#include "cloud/ServiceRequests.h"
+#include "cloud/web/Reachability.h"
+#include "cloud/web/ServiceAddress.h"
+#include "device/DeviceCommand.h"
+#include "platform/MainThreadDeleter.h"
+#include "platform/Platform.h"
+#include "platform/System.h"
+#include "serial/SerialPort.h"
+#include "serial/SerialPortManager.h"
+
+#include <exception>
+
+namespace vorrano::cloud {
+
+using device::DeviceCommand;
+using platform::Control;
+using platform::Platform;
+using session::GlobalVariables;
+
+namespace {
+
+// A port of another kind must not be sent a query: whatever is behind it may take it for something else.
+constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
+
+} // namespace
+
+std::shared_ptr<RegisterVorranoViewController> RegisterVorranoViewController::create()
+{
+    const std::shared_ptr<RegisterVorranoViewController> controller(
+        new RegisterVorranoViewController(),
+        platform::MainThreadDeleter<RegisterVorranoViewController>(Platform::current().mainQueue));
+    controller->connect("saveButton", &RegisterVorranoViewController::saveButton);
+    return controller;
+}
+
+RegisterVorranoViewController::RegisterVorranoViewController()
+    : DeviceTabController("RegisterVorranoViewController")
+    , m_alerts(Platform::current().alerts)
+    , m_systemLog(Platform::current().systemLog)
+    , m_vorranoName(view()->textField("vorranoName"))
+{}
+
+void RegisterVorranoViewController::awakeFromNib()
+{
+    DeviceTabController::awakeFromNib();
+    observeConnections().keep();
+    queryForMacAddress();
+}
+
+std::size_t RegisterVorranoViewController::indexOfDevice()
+{
+    m_deviceIndex = 0;
+    m_deviceIndex = static_cast<std::int32_t>(DeviceTabController::indexOfDevice());
+    return static_cast<std::size_t>(m_deviceIndex);
+}
+
+void RegisterVorranoViewController::queryForMacAddress()
+{
+    const auto& ports = serial::SerialPortManager::sharedSerialPortManager()->availablePorts();
+    const auto index = static_cast<std::size_t>(m_deviceIndex);
+    if (index >= ports.size() || ports[index]->path().find(kVorranoPath) == std::string::npos) {
+        return;
+    }
+    setQueryNumber(DeviceCommand::MacAddress);
+    sendRequest(device::bytesOf(DeviceCommand::MacAddress), device::macPacket());
+}
+
+serial::SerialPortCallbacks RegisterVorranoViewController::callbacks() const
+{
+    using enum serial::SerialPortCallback;
+    return {WasRemovedFromSystem, DidReceiveResponseToRequest, RequestDidTimeout};
+}
+
+void RegisterVorranoViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&,
+                                                                          const serial::Bytes& response,
+                                                                          const std::shared_ptr<serial::SerialRequest>&)
+{
+    m_macAddressString = text::textFromUtf8(response);
+}
+
+void RegisterVorranoViewController::serialPortRequestDidTimeout(serial::SerialPort&,
+                                                                const std::shared_ptr<serial::SerialRequest>&)
+{
+    m_systemLog.write(register_text::kNoMacAddressLine);
+}
+
+void RegisterVorranoViewController::saveButton(Control&)
+{
+    if (isNetworkConnectionNotReachable()) {
+        m_alerts.runModal(networkNotReachableAlert());
+        return;
+    }
+    if (m_vorranoName.text().empty()) {
+        displayErrorAlertWithString(std::string(register_text::kNoName));
+        return;
+    }
+    registerVorrano();
+}
+
+void RegisterVorranoViewController::registerVorrano()
+{
+    if (!m_macAddressString) {
+        // Without it there is no address to call.
+        displayErrorAlertWithString(std::string(register_text::kNoMacAddress));
+        return;
+    }
+    const auto self = std::static_pointer_cast<RegisterVorranoViewController>(shared_from_this());
+    m_webCall.fetch(registrationAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(), *m_macAddressString,
+                                        m_vorranoName.text()),
+                    [self](const web::Reply& reply) { self->updateUIWithDictionary(reply); });
+}
+
+void RegisterVorranoViewController::updateUIWithDictionary(const web::Reply&)
+{
+    try {
+        displaySuccessAlertWithString(std::string(register_text::kRegistered));
+    } catch (const std::exception&) {
+        displayErrorAlertWithString(std::string(register_text::kNotRegistered));
+    }
+}
+
+void RegisterVorranoViewController::displaySuccessAlertWithString(const std::optional<std::string>& text)
+{
+    if (text) {
+        m_alerts.runModal(okAlert(register_text::kSuccessTitle, *text));
+    }
+}
+
+void RegisterVorranoViewController::displayErrorAlertWithString(const std::optional<std::string>& text)
+{
+    if (text) {
+        m_alerts.runModal(okAlert(kErrorTitle, *text));
+    }
+}
+
+bool RegisterVorranoViewController::isNetworkConnectionNotReachable() const
+{
+    return web::isNetworkConnectionNotReachable();
+}
+
+} // namespace vorrano::cloud
