@@ -1,0 +1,84 @@
+#pragma once
+
+#include "simulator/service/SimulatedService.h"
+
+#include <QTcpServer>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+class QTcpSocket;
+
+namespace vorrano::simulator {
+
+// One way in which the web service misbehaves.
+struct ServiceFault {
+    enum class Kind {
+        NoAnswer, // takes the request and stays silent
+        Slow,     // answers `delay` later
+        Cut,      // ends the connection after `count` bytes of the body
+        Answer,   // `response` instead of its own
+        Redirect, // sends the caller to `location`; empty: to the same address again
+        Endless,  // a body that does not end
+    };
+
+    Kind kind = Kind::NoAnswer;
+    std::optional<std::string> method; // "validateLogin" and so on; none: every request
+    std::optional<unsigned> times;     // none: until the faults are cleared
+    std::chrono::milliseconds delay{0};
+    std::size_t count = 0;
+    Response response;
+    std::string location;
+};
+
+// A request as it came: the target of its first line, byte for byte, and the whole head.
+struct RecordedRequest {
+    std::string target;
+    std::string head;
+};
+
+// The simulated web service on loopback ports, HTTP and HTTPS: one request per connection.
+// Threads: the one of the event loop.
+class HttpServer {
+public:
+    HttpServer(SimulatedService& service, std::function<void(const RecordedRequest&)> recorded);
+    HttpServer(const HttpServer&) = delete;
+    HttpServer& operator=(const HttpServer&) = delete;
+
+    // Port 0 takes a free one. False when it is taken.
+    bool listen(std::uint16_t port);
+    // HTTPS as well, with the certificate chain and key of these PEM files; again with others to change them. Throws
+    // std::runtime_error when they can't be read or the port is taken.
+    void listenSecurely(std::uint16_t port, const std::string& certificateFile, const std::string& keyFile);
+    // Refuses connections of both kinds until the next listen().
+    void close();
+    [[nodiscard]] std::uint16_t port() const { return m_server.serverPort(); }
+    [[nodiscard]] std::uint16_t securePort() const { return m_secureServer ? m_secureServer->serverPort() : 0; }
+
+    void order(const ServiceFault& fault) { m_faults.push_back(fault); }
+    void clearFaults() { m_faults.clear(); }
+
+    [[nodiscard]] const std::vector<RecordedRequest>& requests() const { return m_requests; }
+    void clearRequests() { m_requests.clear(); }
+
+private:
+    void acceptFrom(QTcpServer& server);
+    void read(QTcpSocket* socket);
+    void answer(QTcpSocket* socket, const std::string& target);
+    [[nodiscard]] std::optional<ServiceFault> faultFor(const std::string& target);
+
+    SimulatedService& m_service;
+    std::function<void(const RecordedRequest&)> m_recorded;
+    QTcpServer m_server;
+    std::unique_ptr<QTcpServer> m_secureServer;
+    std::list<ServiceFault> m_faults;
+    std::vector<RecordedRequest> m_requests;
+};
+
+} // namespace vorrano::simulator

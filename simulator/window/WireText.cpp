@@ -1,0 +1,106 @@
+#include "simulator/window/WireText.h"
+
+#include <utility>
+
+namespace vorrano::simulator {
+namespace {
+
+constexpr std::string_view kMask = "\u2022\u2022\u2022\u2022";
+constexpr std::string_view kRoot = "/VorranoAPI/RestServiceImpl.svc/";
+
+std::string named(char c)
+{
+    const auto byte = static_cast<unsigned char>(c);
+    switch (c) {
+    case '\n':
+        return "\\n";
+    case '\r':
+        return "\\r";
+    case '\0':
+        return "\\0";
+    default:
+        break;
+    }
+    if (byte >= 0x20 && byte < 0x7F) {
+        return {c};
+    }
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    return {'<', digits[byte >> 4U], digits[byte & 0xFU], '>'};
+}
+
+// Which segments after the method's name are passwords.
+bool isSecret(std::string_view method, std::size_t segment)
+{
+    if (method == "validateLogin") {
+        return segment >= 1;
+    }
+    return (method == "insertAccount" || method == "getAccounts") && (segment == 2 || segment >= 11);
+}
+
+} // namespace
+
+std::string WireText::received(std::string_view bytes)
+{
+    std::string text;
+    for (const char byte : bytes) {
+        if (m_inBootloader) {
+            text += named(byte);
+        } else if (m_text) {
+            text += *m_text && byte != '\0' ? std::string(maskOnce()) : named(byte);
+            if (byte == '\0') {
+                m_text.reset();
+            }
+        } else if (m_byteAwaited) {
+            text += named(byte);
+            m_byteAwaited = false;
+        } else {
+            text += named(byte);
+            const bool entersBootloader = m_afterReset && byte == 'b';
+            if (byte == '8' || byte == '9' || (byte == 'b' && !entersBootloader)) {
+                m_text = byte != '8';
+                m_masked = false;
+            }
+            m_byteAwaited = byte == 'a' || byte == 'e' || byte == 'g';
+            m_secretReply = byte == 'd';
+            m_masked = m_masked && !m_secretReply;
+            m_afterReset = byte == '7';
+        }
+    }
+    return text;
+}
+
+std::string WireText::sent(std::string_view bytes)
+{
+    std::string text;
+    for (const char byte : bytes) {
+        const bool lineEnd = byte == '\n' || byte == '\r';
+        text += m_secretReply && !lineEnd ? std::string(maskOnce()) : named(byte);
+        m_secretReply = m_secretReply && byte != '\r';
+    }
+    return text;
+}
+
+std::string_view WireText::maskOnce() { return std::exchange(m_masked, true) ? std::string_view() : kMask; }
+
+void WireText::cablePulled() { *this = WireText(); }
+
+std::string WireText::request(std::string_view target)
+{
+    if (target.substr(0, kRoot.size()) != kRoot) {
+        return std::string(target);
+    }
+    const auto path = target.substr(kRoot.size());
+    const auto method = path.substr(0, path.find('/'));
+    std::string text(method);
+    std::size_t segment = 0;
+    for (auto rest = path.substr(method.size()); !rest.empty(); ++segment) {
+        rest.remove_prefix(1);
+        const auto value = rest.substr(0, rest.find('/'));
+        text += '/';
+        text += isSecret(method, segment) && !value.empty() ? kMask : value;
+        rest.remove_prefix(value.size());
+    }
+    return text;
+}
+
+} // namespace vorrano::simulator
