@@ -1,0 +1,71 @@
+#include "device/FirmwareVersion.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+
+using namespace vorrano::device;
+
+namespace {
+
+// 27 characters, and the value.
+const std::string kUpToTheValue = R"({"GetLatestFirmwareResult":)";
+
+TEST(WholeVersion, IsTheFloor)
+{
+    EXPECT_EQ(kUpToTheValue.size(), 27U);
+    EXPECT_EQ(wholeVersion(9.5), 9);
+    EXPECT_EQ(wholeVersion(12.0), 12);
+    EXPECT_EQ(wholeVersion(0), 0);
+    EXPECT_EQ(wholeVersion(-0.5), -1);
+    EXPECT_EQ(wholeVersion(1e300), std::numeric_limits<std::int32_t>::max());
+}
+
+TEST(LatestFirmwareAddress, EndsWithTheWholeVersion)
+{
+    EXPECT_EQ(latestFirmwareAddress("https://service.example/", 12), "https://service.example/GetLatestFirmware/12");
+    EXPECT_EQ(latestFirmwareAddress("https://service.example/", -1), "https://service.example/GetLatestFirmware/-1");
+}
+
+struct VersionCase {
+    std::string afterTheBegin;
+    std::int32_t whole;
+    double version;
+};
+
+class LatestVersion : public testing::TestWithParam<VersionCase> {};
+
+TEST_P(LatestVersion, IsReadFromTheCharactersAfterTheFirst27)
+{
+    EXPECT_EQ(latestVersion(kUpToTheValue + GetParam().afterTheBegin, GetParam().whole), GetParam().version);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAnswers, LatestVersion,
+                         testing::Values(VersionCase{"9.5}", 9, 9.5}, VersionCase{"9.6}", 9, 9.6},
+                                         VersionCase{"9.65}", 9, 9.65}, VersionCase{"9.657}", 9, 9.65},
+                                         VersionCase{"12.1}", 9, 12.1}, VersionCase{"12.1}", 11, 12.1},
+                                         VersionCase{"12.15}", 10, 12.1}, VersionCase{"12.15}", 11, 12.15},
+                                         VersionCase{"null}", 9, 0}, VersionCase{"\"9.5\"}", 9, 0},
+                                         VersionCase{"    9", 11, 9}));
+
+TEST(LatestVersion, CountsUtf16Units)
+{
+    // 26 characters, but 27 units.
+    const std::string answer = std::string(25, 'x') + "\U0001F321" + "9.5}";
+
+    EXPECT_EQ(latestVersion(answer, 9), 9.5);
+}
+
+TEST(LatestVersion, IsZeroWhileThereIsNoAnswer) { EXPECT_EQ(latestVersion(std::nullopt, 9), 0); }
+
+TEST(LatestVersion, OfAnAnswerThatIsTooShortIsARangeError)
+{
+    EXPECT_THROW(static_cast<void>(latestVersion("", 9)), std::out_of_range);
+    EXPECT_THROW(static_cast<void>(latestVersion(kUpToTheValue + "9.5", 9)), std::out_of_range);
+    EXPECT_THROW(static_cast<void>(latestVersion(kUpToTheValue + "9.5}", 11)), std::out_of_range);
+    EXPECT_EQ(latestVersion(kUpToTheValue + "9.5}", 10), 9.5);
+    EXPECT_EQ(latestVersion(kUpToTheValue + "12.5}", 11), 12.5);
+}
+
+} // namespace
