@@ -1,0 +1,356 @@
+// What a registry makes of a source that fails, loses events or is late with them.
+#include "linux/EventLoop.h"
+#include "linux/HeldQueue.h"
+#include "platform/linux/UdevDeviceRegistry.h"
+
+#include <deque>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace vorrano {
+
+using linux_platform::DeviceSource;
+using linux_platform::EventsLost;
+using linux_platform::TtyAdded;
+using linux_platform::TtyEvent;
+using linux_platform::TtyFacts;
+using linux_platform::TtyRemoved;
+using platform::DeviceEvent;
+using platform::DeviceHandle;
+using platform::DeviceIterator;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+// A source whose events and devices the test writes down.
+class ScriptedSource final : public DeviceSource {
+public:
+    struct Script {
+        bool canStart = true;
+        std::optional<std::vector<TtyFacts>> devices{std::in_place};
+        std::deque<TtyEvent> events;
+        std::uint64_t lastNumber = 0;
+        std::vector<std::string> calls;
+    };
+
+    explicit ScriptedSource(Script& script)
+        : m_script(script)
+    {}
+    ~ScriptedSource() override { close(m_descriptor); }
+
+    bool start() override
+    {
+        m_script.calls.emplace_back("start");
+        return m_script.canStart;
+    }
+    [[nodiscard]] int descriptor() const override { return m_descriptor; }
+    [[nodiscard]] std::optional<TtyEvent> receive() override
+    {
+        if (m_script.events.empty()) {
+            return std::nullopt;
+        }
+        const auto event = m_script.events.front();
+        m_script.events.pop_front();
+        return event;
+    }
+    [[nodiscard]] std::optional<std::vector<TtyFacts>> enumerate() override
+    {
+        m_script.calls.emplace_back("enumerate");
+        return m_script.devices;
+    }
+    [[nodiscard]] std::uint64_t lastEventNumber() const override { return m_script.lastNumber; }
+    [[nodiscard]] bool exists(const std::string& sysPath) const override
+    {
+        const auto& devices = m_script.devices.value();
+        return std::any_of(devices.begin(), devices.end(), [&](const auto& tty) { return tty.sysPath == sysPath; });
+    }
+
+private:
+    Script& m_script;
+    const int m_descriptor = eventfd(0, EFD_CLOEXEC);
+};
+
+TtyFacts adapter(const std::string& name, const std::string& serialNumber)
+{
+    TtyFacts facts;
+    facts.sysPath = "/sys/" + name;
+    facts.name = name;
+    facts.node = "/dev/" + name;
+    facts.hasParent = true;
+    facts.parentSubsystem = "usb-serial";
+    facts.serialNumber = serialNumber;
+    facts.path = "pci-usb-0:" + name;
+    return facts;
+}
+
+} // namespace
+
+class RegistryOnABadDay : public testing::Test {
+protected:
+    std::vector<std::string> walk(DeviceIterator list)
+    {
+        std::vector<std::string> paths;
+        while (const auto device = registry.next(list)) {
+            paths.push_back(registry.stringProperty(device, platform::kCalloutDeviceKey).value_or("none"));
+            registry.release(device);
+        }
+        return paths;
+    }
+
+    std::vector<std::string> listed()
+    {
+        const auto list = registry.serialStreamDevices().value();
+        const auto paths = walk(list);
+        registry.release(list);
+        return paths;
+    }
+
+    void watch()
+    {
+        walk(registry.watch(DeviceEvent::Published, [this](auto list) { published = walk(list); }).iterator);
+        walk(registry.watch(DeviceEvent::Terminated, [this](auto list) { terminated = walk(list); }).iterator);
+    }
+
+    ScriptedSource::Script script;
+    support::HeldQueue queue;
+    linux_platform::UdevDeviceRegistry registry{queue, std::make_unique<ScriptedSource>(script)};
+    std::vector<std::string> published;
+    std::vector<std::string> terminated;
+};
+
+TEST_F(RegistryOnABadDay, RegistersNothingWhenItCannotListen)
+{
+    script.canStart = false;
+
+    EXPECT_EQ(registry.serialStreamDevices(), std::nullopt);
+    EXPECT_FALSE(registry.watch(DeviceEvent::Published, [](DeviceIterator) {}).registered);
+}
+
+TEST_F(RegistryOnABadDay, RegistersNothingWhenItCannotEnumerate)
+{
+    script.devices = std::nullopt;
+
+    EXPECT_EQ(registry.serialStreamDevices(), std::nullopt);
+    EXPECT_FALSE(registry.watch(DeviceEvent::Terminated, [](DeviceIterator) {}).registered);
+}
+
+TEST_F(RegistryOnABadDay, TriesAgainWhenItIsAskedAgain)
+{
+    script.canStart = false;
+    ASSERT_EQ(registry.serialStreamDevices(), std::nullopt);
+
+    script.canStart = true;
+
+    EXPECT_THAT(listed(), IsEmpty());
+}
+
+TEST_F(RegistryOnABadDay, ListensBeforeItEnumerates)
+{
+    EXPECT_THAT(listed(), IsEmpty());
+
+    EXPECT_THAT(script.calls, ElementsAre("start", "enumerate"));
+}
+
+TEST_F(RegistryOnABadDay, TellsOfWhatCameAndWentWhileEventsWereLost)
+{
+    script.devices = {adapter("ttyUSB0", "GONE"), adapter("ttyUSB1", "STAYS")};
+    watch();
+
+    script.devices = {adapter("ttyUSB1", "STAYS"), adapter("ttyUSB2", "NEW")};
+    script.events = {EventsLost{}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-STAYS", "/dev/cu.usbserial-NEW"));
+    ASSERT_EQ(queue.size(), 1u);
+    queue.run();
+
+    EXPECT_THAT(terminated, ElementsAre("/dev/cu.usbserial-GONE"));
+    EXPECT_THAT(published, ElementsAre("/dev/cu.usbserial-NEW"));
+}
+
+TEST_F(RegistryOnABadDay, HandsOnTheNextEventAfterWhatTheOneBeforeLeftToTheQueue)
+{
+    script.devices = {adapter("ttyUSB0", "BACK")};
+    std::vector<std::string> order;
+    walk(registry.watch(DeviceEvent::Published, [&](auto) { order.emplace_back("published"); }).iterator);
+    walk(registry
+             .watch(DeviceEvent::Terminated,
+                    [&](auto) {
+                        order.emplace_back("terminated");
+                        queue.async([&] { order.emplace_back("removed"); });
+                    })
+             .iterator);
+
+    script.devices = {adapter("ttyUSB1", "BACK")};
+    script.events = {EventsLost{}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-BACK"));
+    queue.run();
+
+    EXPECT_THAT(order, ElementsAre("terminated", "removed", "published"));
+}
+
+TEST_F(RegistryOnABadDay, TellsOfAnAdapterThatTookAnothersPlaceWhileEventsWereLost)
+{
+    script.devices = {adapter("ttyUSB0", "OLD")};
+    watch();
+
+    script.devices = {adapter("ttyUSB0", "NEW")};
+    script.events = {EventsLost{}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-NEW"));
+    queue.run();
+
+    EXPECT_THAT(terminated, ElementsAre("/dev/cu.usbserial-OLD"));
+    EXPECT_THAT(published, ElementsAre("/dev/cu.usbserial-NEW"));
+}
+
+TEST_F(RegistryOnABadDay, KeepsItsListWhenItCannotEnumerateAfterALoss)
+{
+    script.devices = {adapter("ttyUSB0", "A")};
+    watch();
+
+    script.devices = std::nullopt;
+    script.events = {EventsLost{}};
+
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A"));
+    EXPECT_EQ(queue.size(), 0u);
+}
+
+TEST_F(RegistryOnABadDay, IgnoresARemovalThatIsOlderThanTheAdapterItFound)
+{
+    script.devices = {adapter("ttyUSB0", "A")};
+    script.lastNumber = 7;
+    watch();
+
+    script.events = {TtyRemoved{6, "/sys/ttyUSB0"}, TtyAdded{7, adapter("ttyUSB0", "A")}};
+
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A"));
+    EXPECT_EQ(queue.size(), 0u);
+}
+
+TEST_F(RegistryOnABadDay, BelievesAnOldRemovalOfAnAdapterThatWasGoingWhenItLooked)
+{
+    script.devices = {adapter("ttyUSB0", "A")};
+    script.lastNumber = 7;
+    watch();
+
+    script.devices.emplace();
+    script.events = {TtyRemoved{7, "/sys/ttyUSB0"}};
+
+    EXPECT_THAT(listed(), IsEmpty());
+    queue.run();
+    EXPECT_THAT(terminated, ElementsAre("/dev/cu.usbserial-A"));
+}
+
+TEST_F(RegistryOnABadDay, TakesAnAdapterOverWhosePropertiesCameLate)
+{
+    auto early = adapter("ttyUSB0", "");
+    early.path = "";
+    early.initialized = false;
+    script.devices = {early};
+    script.lastNumber = 7;
+    watch();
+
+    script.events = {TtyAdded{7, adapter("ttyUSB0", "A")}};
+
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A"));
+    queue.run();
+    EXPECT_THAT(published, ElementsAre("/dev/cu.usbserial-A"));
+}
+
+TEST_F(RegistryOnABadDay, RenamesAnAdapterWhoseEventShowsAnotherSerialNumber)
+{
+    script.devices = {adapter("ttyUSB0", "OLD")};
+    watch();
+
+    script.events = {TtyAdded{1, adapter("ttyUSB0", "NEW")}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-NEW"));
+    queue.run();
+
+    EXPECT_THAT(terminated, ElementsAre("/dev/cu.usbserial-OLD"));
+    EXPECT_THAT(published, ElementsAre("/dev/cu.usbserial-NEW"));
+}
+
+TEST_F(RegistryOnABadDay, GivesAFreedNameToTheNextAdapterNotToOneThatIsPresent)
+{
+    script.devices = {adapter("ttyUSB0", "A"), adapter("ttyUSB1", "A")};
+    watch();
+
+    script.events = {TtyRemoved{1, "/sys/ttyUSB0"}, TtyAdded{2, adapter("ttyUSB1", "A")}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A-0:ttyUSB1"));
+    script.events = {TtyAdded{3, adapter("ttyUSB2", "A")}};
+
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A-0:ttyUSB1", "/dev/cu.usbserial-A"));
+}
+
+TEST_F(RegistryOnABadDay, GivesTheThirdOfOneNameAndPlaceItsTtyNameToo)
+{
+    auto second = adapter("ttyUSB1", "A");
+    auto third = adapter("ttyUSB2", "A");
+    second.path = third.path = "pci-usb-0:1";
+    script.devices = {adapter("ttyUSB0", "A"), second, third};
+
+    EXPECT_THAT(listed(),
+                ElementsAre("/dev/cu.usbserial-A", "/dev/cu.usbserial-A-0:1", "/dev/cu.usbserial-A-0:1-ttyUSB2"));
+}
+
+TEST_F(RegistryOnABadDay, CountsTheHandlesItGivesOut)
+{
+    script.devices = {adapter("ttyUSB0", "A")};
+    const auto list = registry.serialStreamDevices().value();
+    const auto device = registry.next(list);
+    registry.retain(device);
+
+    registry.release(device);
+    registry.release(device);
+    registry.release(device);
+    registry.release(list);
+
+    EXPECT_EQ(registry.stringProperty(device, platform::kTTYDeviceKey), "ttyUSB0") << "present devices keep theirs";
+    EXPECT_EQ(registry.next(list), 0u);
+}
+
+TEST_F(RegistryOnABadDay, KeepsAListForAsManyReleasesAsItWasRetained)
+{
+    script.devices = {adapter("ttyUSB0", "A")};
+    const auto list = registry.serialStreamDevices().value();
+    registry.retain(list);
+
+    registry.release(list);
+
+    EXPECT_THAT(walk(list), ElementsAre("/dev/cu.usbserial-A"));
+    registry.release(list);
+}
+
+TEST_F(RegistryOnABadDay, KnowsNothingOfNumbersThatItNeverGaveOut)
+{
+    registry.retain(99);
+    registry.release(99);
+
+    EXPECT_EQ(registry.next(99), 0u);
+    EXPECT_EQ(registry.stringProperty(99, platform::kTTYDeviceKey), std::nullopt);
+    EXPECT_EQ(registry.nodeOfCalloutPath("/dev/cu.usbserial-A"), std::nullopt);
+}
+
+TEST_F(RegistryOnABadDay, EndsAWatchInsideItsOwnCallback)
+{
+    DeviceIterator list = 0;
+    int calls = 0;
+    list = registry
+               .watch(DeviceEvent::Published,
+                      [&](DeviceIterator told) {
+                          ++calls;
+                          registry.release(told);
+                      })
+               .iterator;
+    EXPECT_THAT(walk(list), IsEmpty());
+
+    script.events = {TtyAdded{1, adapter("ttyUSB0", "A")}, TtyAdded{2, adapter("ttyUSB1", "B")}};
+    EXPECT_EQ(listed().size(), 2u);
+    queue.run();
+
+    EXPECT_EQ(calls, 1);
+}
+
+} // namespace vorrano

@@ -1,0 +1,219 @@
+#include "platform/linux/LogindPowerEvents.h"
+#include "linux/EventLoop.h"
+#include "linux/HeldQueue.h"
+#include "linux/MockedService.h"
+#include "linux/PrivateBus.h"
+
+#include <memory>
+#include <stdexcept>
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace vorrano {
+
+using linux_platform::LogindPowerEvents;
+using support::MockedService;
+using support::spinUntil;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+const QString kService = "org.freedesktop.login1";
+const QString kPath = "/org/freedesktop/login1";
+const QString kManager = "org.freedesktop.login1.Manager";
+
+void atOnce(const platform::Task& task) { task(); }
+
+} // namespace
+
+class Logind : public testing::Test {
+protected:
+    // What is being inhibited, and how.
+    std::vector<std::string> inhibitors()
+    {
+        std::vector<std::string> all;
+        const auto list = service.call(kPath, kManager, "ListInhibitors").value<QDBusArgument>();
+        list.beginArray();
+        while (!list.atEnd()) {
+            QString what;
+            QString who;
+            QString why;
+            QString mode;
+            quint32 user = 0;
+            quint32 process = 0;
+            list.beginStructure();
+            list >> what >> who >> why >> mode >> user >> process;
+            list.endStructure();
+            all.push_back((what + " " + mode).toStdString());
+        }
+        list.endArray();
+        return all;
+    }
+
+    [[nodiscard]] bool isDelaying() { return inhibitors() == std::vector<std::string>{"sleep delay"}; }
+
+    void sendPrepareForSleep(bool begins)
+    {
+        service.mock(kPath, "EmitSignal",
+                     {kManager, "PrepareForSleep", "b", QVariantList{QVariant::fromValue(begins)}});
+    }
+
+    void refuseInhibitors()
+    {
+        service.mock(kPath, "AddMethod",
+                     {kManager, "Inhibit", "ssss", "h",
+                      "raise dbus.exceptions.DBusException('no', name='org.freedesktop.DBus.Error.AccessDenied')"});
+    }
+
+    // Subscribes to both, and waits until sleep is being delayed.
+    void subscribe()
+    {
+        willSleep = power->onWillSleep([this] { told.emplace_back("sleep"); });
+        didWake = power->onDidWake([this] { told.emplace_back("wake"); });
+        ASSERT_TRUE(spinUntil([this] { return isDelaying(); }));
+    }
+
+    MockedService service{kService, "logind"};
+    std::vector<std::string> told;
+    std::unique_ptr<LogindPowerEvents> power = std::make_unique<LogindPowerEvents>(atOnce);
+    platform::Subscription willSleep;
+    platform::Subscription didWake;
+};
+
+TEST_F(Logind, DelaysSleepWhileSomebodyListens)
+{
+    EXPECT_THAT(inhibitors(), IsEmpty());
+
+    subscribe();
+
+    EXPECT_THAT(inhibitors(), ElementsAre("sleep delay"));
+}
+
+TEST_F(Logind, LetsTheComputerSleepOnceTheHandlersHaveReturned)
+{
+    bool delaysDuringHandler = false;
+    const auto observer = power->onWillSleep([&] {
+        delaysDuringHandler = !spinUntil([&] { return inhibitors().empty(); }, std::chrono::milliseconds(100));
+    });
+    subscribe();
+
+    sendPrepareForSleep(true);
+
+    EXPECT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+    EXPECT_THAT(told, ElementsAre("sleep"));
+    EXPECT_TRUE(delaysDuringHandler);
+}
+
+TEST_F(Logind, TellsOfTheWakingAndDelaysTheNextSleep)
+{
+    subscribe();
+    sendPrepareForSleep(true);
+    ASSERT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+
+    sendPrepareForSleep(false);
+
+    EXPECT_TRUE(spinUntil([&] { return isDelaying(); }));
+    EXPECT_THAT(told, ElementsAre("sleep", "wake"));
+}
+
+TEST_F(Logind, TellsEvenWhenItMayNotDelay)
+{
+    refuseInhibitors();
+    willSleep = power->onWillSleep([this] { told.emplace_back("sleep"); });
+    ASSERT_TRUE(spinUntil([&] { return service.callsOf(kPath, "Inhibit") == 1; }));
+
+    sendPrepareForSleep(true);
+
+    EXPECT_TRUE(spinUntil([&] { return !told.empty(); }));
+}
+
+TEST_F(Logind, KeepsSleepWaitingForADeliveryThatIsHeldBack)
+{
+    support::HeldQueue pause;
+    power = std::make_unique<LogindPowerEvents>([&](platform::Task task) { pause.async(std::move(task)); });
+    subscribe();
+
+    sendPrepareForSleep(true);
+    sendPrepareForSleep(false);
+    ASSERT_TRUE(spinUntil([&] { return pause.size() == 2; }));
+    EXPECT_THAT(told, IsEmpty());
+    EXPECT_TRUE(isDelaying());
+    pause.run();
+
+    EXPECT_THAT(told, ElementsAre("sleep", "wake"));
+    EXPECT_TRUE(spinUntil([&] { return isDelaying(); }));
+}
+
+TEST_F(Logind, LetsTheComputerSleepWhenAHandlerFails)
+{
+    support::HeldQueue queue;
+    power = std::make_unique<LogindPowerEvents>([&](platform::Task task) { queue.async(std::move(task)); });
+    const auto failing = power->onWillSleep([] { throw std::runtime_error("no"); });
+    subscribe();
+
+    sendPrepareForSleep(true);
+    ASSERT_TRUE(spinUntil([&] { return queue.size() == 1; }));
+    EXPECT_THROW(queue.run(), std::runtime_error);
+
+    EXPECT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+}
+
+TEST_F(Logind, TellsAnEndedSubscriptionNothing)
+{
+    subscribe();
+    platform::Subscription later;
+    const auto first = power->onWillSleep([&] { later.reset(); });
+    later = power->onWillSleep([this] { told.emplace_back("ended"); });
+    willSleep.reset();
+
+    sendPrepareForSleep(true);
+
+    EXPECT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+    EXPECT_THAT(told, IsEmpty());
+}
+
+TEST_F(Logind, DropsItsDelayWhenItGoes)
+{
+    subscribe();
+
+    power.reset();
+
+    EXPECT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+}
+
+TEST_F(Logind, LeavesNothingDangerousBehindWhenItGoes)
+{
+    support::HeldQueue queue;
+    power = std::make_unique<LogindPowerEvents>([&](platform::Task task) { queue.async(std::move(task)); });
+    subscribe();
+    sendPrepareForSleep(true);
+    ASSERT_TRUE(spinUntil([&] { return queue.size() == 1; }));
+
+    power.reset();
+    queue.run();
+    willSleep.reset();
+
+    EXPECT_THAT(told, IsEmpty());
+}
+
+TEST(WithoutLogind, NothingIsToldAndNothingIsStarted)
+{
+    auto& bus = support::PrivateBus::instance();
+    int calls = 0;
+    LogindPowerEvents power(atOnce);
+
+    const auto subscription = power.onWillSleep([&] { ++calls; });
+
+    EXPECT_FALSE(spinUntil([&] { return bus.wasAskedToStart(kService); }, std::chrono::milliseconds(300)));
+    EXPECT_EQ(calls, 0);
+    // The bus would have started it, had somebody asked.
+    QDBusConnection::systemBus().interface()->startService(kService);
+    EXPECT_TRUE(bus.wasAskedToStart(kService));
+}
+
+} // namespace vorrano

@@ -1,0 +1,255 @@
+#include "QtProgram.h"
+
+#include "platform/qt/Spinner.h"
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QImage>
+#include <QLineEdit>
+#include <QtTest/QTest>
+
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
+namespace vorrano::qt {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Controls : public support::QtProgram {
+protected:
+    std::shared_ptr<platform::Window> window = shown("WifiSetupViewController");
+    platform::View& view = *window->view();
+    platform::Button& button = view.button("saveSSIDButton");
+    QWidget& pushed = widget<QWidget>(view, "saveSSIDButton");
+    int presses = 0;
+};
+
+TEST_F(Controls, ButtonTellsOfAClickAKeyAndAPressOverTheBus)
+{
+    const platform::Control* sender = nullptr;
+    button.onPress([&](platform::Control& pressed) {
+        sender = &pressed;
+        ++presses;
+    });
+
+    QTest::mouseClick(&pushed, Qt::LeftButton);
+    QTest::keyClick(&pushed, Qt::Key_Space);
+    pressOverTheBus(pushed);
+
+    EXPECT_TRUE(spinUntil([&] { return presses == 3; }));
+    EXPECT_EQ(sender, &button);
+}
+
+TEST_F(Controls, ButtonIsNotPressedWhileItIsDisabled)
+{
+    button.onPress([&](platform::Control&) { ++presses; });
+    button.setEnabled(false);
+
+    QTest::mouseClick(&pushed, Qt::LeftButton);
+    pressOverTheBus(pushed);
+
+    EXPECT_EQ(presses, 0);
+    EXPECT_FALSE(button.isEnabled());
+}
+
+TEST_F(Controls, ButtonKeepsOneActionTheLastOneGiven)
+{
+    button.onPress([&](platform::Control&) { presses += 100; });
+    button.onPress([&](platform::Control&) { ++presses; });
+
+    QTest::mouseClick(&pushed, Qt::LeftButton);
+
+    EXPECT_EQ(presses, 1);
+}
+
+TEST_F(Controls, ActionThatThrowsIsWrittenToTheLogAndLifeGoesOn)
+{
+    button.onPress([&](platform::Control&) {
+        ++presses;
+        throw std::runtime_error("broken");
+    });
+
+    QTest::mouseClick(&pushed, Qt::LeftButton);
+    QTest::mouseClick(&pushed, Qt::LeftButton);
+
+    EXPECT_EQ(presses, 2);
+    EXPECT_THAT(log.lines(), ElementsAre("Uncaught exception: broken", "Uncaught exception: broken"));
+}
+
+TEST_F(Controls, ActionMayDropTheWindowThatItWasPressedIn)
+{
+    button.onPress([&](platform::Control&) {
+        ++presses;
+        window.reset();
+    });
+
+    QTest::mouseClick(&pushed, Qt::LeftButton);
+
+    EXPECT_EQ(presses, 1);
+    runQueue();
+}
+
+TEST_F(Controls, ReturnPressesTheDefaultButtonOfTheWindow)
+{
+    const auto login = shown("LoginViewController");
+    login->view()->button("loginButton").onPress([&](platform::Control&) { ++presses; });
+    auto& field = widget<QWidget>(*login->view(), "password");
+    field.setFocus();
+
+    QTest::keyClick(&field, Qt::Key_Return);
+    QTest::keyClick(&field, Qt::Key_Enter);
+
+    EXPECT_EQ(presses, 2);
+}
+
+TEST_F(Controls, ReturnPressesTheButtonWithTheFocusRatherThanTheDefaultOne)
+{
+    const auto login = shown("LoginViewController");
+    login->view()->button("loginButton").onPress([&](platform::Control&) { presses += 100; });
+    login->view()->button("registerVorranoButton").onPress([&](platform::Control&) { ++presses; });
+    auto& other = widget<QWidget>(*login->view(), "registerVorranoButton");
+    other.setFocus();
+
+    QTest::keyClick(&other, Qt::Key_Return);
+
+    EXPECT_EQ(presses, 1);
+}
+
+TEST_F(Controls, HiddenAndEnabledAreTheControlsOwn)
+{
+    auto& label = view.label("noVorranoConnectedLabel");
+    EXPECT_FALSE(label.isHidden());
+
+    label.setHidden(true);
+    EXPECT_TRUE(label.isHidden());
+    EXPECT_FALSE(widget<QWidget>(view, "noVorranoConnectedLabel").isVisible());
+
+    frame(*window).setEnabled(false);
+    EXPECT_TRUE(button.isEnabled());
+}
+
+TEST_F(Controls, LabelShowsItsTextPlain)
+{
+    auto& label = view.label("noVorranoConnectedLabel");
+
+    label.setText("<b>Grüße</b> & more");
+
+    EXPECT_EQ(label.text(), "<b>Grüße</b> & more");
+}
+
+TEST_F(Controls, SpinnerIsHiddenAtFirstAndTurnsInTheMiddleOfItsScreen)
+{
+    auto& spinner = view.progressIndicator("loginProgressIndicator");
+    auto& turning = widget<Spinner>(view, "loginProgressIndicator");
+    EXPECT_TRUE(spinner.isHidden());
+    EXPECT_FALSE(spinner.isAnimating());
+
+    spinner.setHidden(false);
+    spinner.startAnimation();
+
+    EXPECT_TRUE(spinner.isAnimating());
+    EXPECT_EQ(turning.geometry().center(), turning.parentWidget()->rect().center());
+    const QImage first = turning.grab().toImage();
+    EXPECT_TRUE(spinUntil([&] { return turning.grab().toImage() != first; }));
+}
+
+TEST_F(Controls, SpinnerStandsStillWhenItWasStopped)
+{
+    auto& spinner = view.progressIndicator("loginProgressIndicator");
+    spinner.setHidden(false);
+    spinner.startAnimation();
+
+    spinner.stopAnimation();
+    spinner.setHidden(true);
+
+    EXPECT_FALSE(spinner.isAnimating());
+    EXPECT_TRUE(spinner.isHidden());
+}
+
+TEST_F(Controls, SpinnerIsAboveTheDimmedScreenAndFollowsItsSize)
+{
+    auto& spinner = view.progressIndicator("loginProgressIndicator");
+    auto& turning = widget<Spinner>(view, "loginProgressIndicator");
+    view.setAlpha(0.3);
+    spinner.setHidden(false);
+
+    frame(*window).resize(frame(*window).size() + QSize(60, 40));
+    EXPECT_TRUE(spinUntil([&] { return turning.geometry().center() == turning.parentWidget()->rect().center(); }));
+
+    view.setAlpha(0.3);
+    EXPECT_EQ(turning.parentWidget()->children().last(), &turning);
+}
+
+TEST_F(Controls, AlphaFadesTheScreenTowardsTheWindowsColourAndBack)
+{
+    auto& root = dynamic_cast<QtView&>(view).root();
+    const auto darkest = [&] {
+        const QImage image = root.grab().toImage();
+        int value = 255;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                value = std::min(value, qGray(image.pixel(x, y)));
+            }
+        }
+        return value;
+    };
+    const int before = darkest();
+    EXPECT_EQ(view.alpha(), 1.0);
+
+    view.setAlpha(0.3);
+    EXPECT_EQ(view.alpha(), 0.3);
+    EXPECT_GT(darkest(), before + 100);
+
+    view.setAlpha(1.0);
+    EXPECT_EQ(darkest(), before);
+}
+
+TEST_F(Controls, DimmedScreenTakesInputLikeAnyOther)
+{
+    button.onPress([&](platform::Control&) { ++presses; });
+    view.setAlpha(0.3);
+
+    auto& root = dynamic_cast<QtView&>(view).root();
+    const QPoint place = pushed.mapTo(&root, pushed.rect().center());
+    EXPECT_EQ(root.childAt(place), &pushed);
+    QTest::mouseClick(&pushed, Qt::LeftButton);
+
+    EXPECT_EQ(presses, 1);
+}
+
+TEST_F(Controls, ShowBoxUnmasksItsFieldAndMasksItAgain)
+{
+    auto& field = widget<QLineEdit>(view, "password");
+    auto& box = widget<QCheckBox>(view, "show6");
+
+    QTest::keyClick(&box, Qt::Key_Space);
+    EXPECT_EQ(field.echoMode(), QLineEdit::Normal);
+
+    QTest::keyClick(&box, Qt::Key_Space);
+    EXPECT_EQ(field.echoMode(), QLineEdit::Password);
+    EXPECT_EQ(widget<QLineEdit>(view, "wepKeyField").echoMode(), QLineEdit::Password);
+}
+
+TEST_F(Controls, NothingIsPressedNorUnmaskedWhileTheGateIsShut)
+{
+    button.onPress([&](platform::Control&) { ++presses; });
+    auto& box = widget<QCheckBox>(view, "show6");
+    auto shut = gate.shut();
+
+    pressOverTheBus(pushed);
+    QTest::mouseClick(&pushed, Qt::LeftButton);
+    pressOverTheBus(box);
+
+    EXPECT_EQ(presses, 0);
+    EXPECT_FALSE(box.isChecked());
+    EXPECT_EQ(widget<QLineEdit>(view, "password").echoMode(), QLineEdit::Password);
+    shut.reset();
+    pressOverTheBus(pushed);
+    EXPECT_TRUE(spinUntil([&] { return presses == 1; }));
+}
+
+} // namespace
+} // namespace vorrano::qt
