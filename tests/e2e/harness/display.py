@@ -1,0 +1,70 @@
+"""A display of its own, with the accessibility bus."""
+import os
+import shutil
+import subprocess
+import tempfile
+
+from gi.repository import Gio, GLib
+
+from .waiting import wait_for
+from .xlib import XLib
+
+LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
+
+
+class Display:
+    def __init__(self, width=1366, height=768):
+        reading, writing = os.pipe()
+        self._server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", "%dx%dx24" % (width, height), "-nolisten", "tcp",
+             "-noreset"], pass_fds=[writing], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as numbers:
+            number = numbers.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start")
+        self.name = ":" + number
+        os.environ["DISPLAY"] = self.name
+        # The launcher names its socket after the display's number alone, which another display may have had just before.
+        self._sockets = tempfile.mkdtemp(prefix="vorrano-bus-")
+        self._launcher = subprocess.Popen([LAUNCHER, "--launch-immediately"], stdout=subprocess.DEVNULL,
+                                          stderr=subprocess.DEVNULL,
+                                          env=dict(os.environ, XDG_RUNTIME_DIR=self._sockets))
+        session = Gio.bus_get_sync(Gio.BusType.SESSION, None)
+        wait_for("the accessibility bus", lambda: session.call_sync(
+            "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "NameHasOwner",
+            GLib.Variant("(s)", ("org.a11y.Bus",)), None, Gio.DBusCallFlags.NONE, 5000, None).unpack()[0])
+
+    def screenshot(self, path):
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        subprocess.run(["import", "-display", self.name, "-window", "root", path], check=True)
+
+    def keys(self, *keys):
+        """Presses keys as a person at the keyboard does; each is a name of xdotool's ("Tab", "alt+s")."""
+        subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], check=True)
+
+    def write(self, text):
+        subprocess.run(["xdotool", "type", "--clearmodifiers", "--delay", "4", text], check=True)
+
+    def click(self, x, y):
+        subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True)
+
+    def _windows(self, pid):
+        search = ["xdotool", "search", "--onlyvisible", "--pid", str(pid)]
+        return subprocess.run(search, check=True, capture_output=True, text=True).stdout.split()
+
+    def focus_window(self, pid):
+        """Gives the keyboard to the program, as no window manager does it here."""
+        subprocess.run(["xdotool", "windowfocus", "--sync", self._windows(pid)[-1]], check=True)
+
+    def close_window(self, pid):
+        """What the window's close button does."""
+        x = XLib(self.name)
+        x.ask_to_close(int(self._windows(pid)[-1]))
+        x.close()
+
+    def stop(self):
+        for process in (self._launcher, self._server):
+            process.terminate()
+            process.wait(10)
+        shutil.rmtree(self._sockets, ignore_errors=True)

@@ -1,0 +1,28 @@
+"""When the program's own writes of single bytes began and returned."""
+import collections
+import os
+import struct
+
+RECORD = struct.Struct("=qqii")
+Write = collections.namedtuple("Write", "begun returned descriptor byte")
+
+
+class WriteStamps:
+    def __init__(self, world):
+        self._path = os.path.join(world.folder, "stamps")
+        library = os.path.join(os.path.abspath(world.build), "tests", "libvorrano_write_stamps.so")
+        self.environment = {"LD_PRELOAD": library, "VORRANO_WRITE_STAMPS": self._path}
+
+    def of(self, text):
+        """The writes that made up this text, one per byte; seconds of the monotonic clock."""
+        with open(self._path, "rb") as file:
+            writes = [Write(begun / 1e9, returned / 1e9, descriptor, byte)
+                      for begun, returned, descriptor, byte in RECORD.iter_unpack(file.read()) if begun]
+        lines = collections.defaultdict(list)
+        for write in writes:
+            lines[write.descriptor].append(write)
+        for line in lines.values():
+            place = bytes(write.byte for write in line).find(text)
+            if place >= 0:
+                return line[place:place + len(text)]
+        raise AssertionError("the text was not written byte by byte")

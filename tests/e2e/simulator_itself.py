@@ -1,0 +1,167 @@
+#!/usr/bin/python3
+"""The simulator as a process: its cable, its control socket, its service.
+
+usage: simulator_itself.py BUILD_FOLDER
+"""
+import http.client
+import os
+import select
+import sys
+import tempfile
+import termios
+import unittest
+import urllib.error
+import urllib.request
+
+sys.dont_write_bytecode = True
+from harness.simulator import Simulator  # noqa: E402
+from harness.waiting import wait_for  # noqa: E402
+
+BUILD = ""
+ROOT = "/VorranoAPI/RestServiceImpl.svc/"
+
+
+class SimulatorItself(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.simulator = Simulator(os.path.join(BUILD, "vorrano-simulator"), self.folder.name)
+        self.line = os.open(self.simulator.node, os.O_RDWR | os.O_NOCTTY)
+
+    def tearDown(self):
+        os.close(self.line)
+        self.simulator.stop()
+        self.folder.cleanup()
+
+    def read(self):
+        """One chunk, or None when none comes within a second."""
+        return os.read(self.line, 4096) if select.select([self.line], [], [], 1.0)[0] else None
+
+    def fetch(self, path):
+        port = self.simulator.state["service"]["port"]
+        return urllib.request.urlopen("http://127.0.0.1:%d%s%s" % (port, ROOT, path), timeout=5).read()
+
+    def test_answers_on_its_pseudo_terminal(self):
+        os.write(self.line, b"3")
+
+        self.assertEqual(self.read(), b"00:1E:5C:0A:1B:2C\n\r")
+
+    def test_stores_what_it_is_told(self):
+        os.write(self.line, b"8My$Home$Net\0")
+
+        self.assertEqual(self.read(), b"OK\n\r")
+        self.assertEqual(self.simulator.device["ssid"], "My$Home$Net")
+        self.assertEqual(self.simulator.received, b"8My$Home$Net\0")
+
+    def test_sends_the_next_piece_when_the_last_was_read(self):
+        self.simulator.fault("split")
+
+        os.write(self.line, b"c")
+
+        for byte in b"Not$set\n\n\r":
+            self.assertEqual(self.read(), bytes([byte]))
+
+    def test_loses_what_nobody_reads(self):
+        os.write(self.line, b"1")
+        wait_for("the second half", lambda: any("V1.4" in e.get("bytes", "") for e in self.simulator.events))
+
+        self.assertEqual(self.read(), b"V1.4\n\r")
+
+    def test_tells_the_rate_that_was_set(self):
+        settings = termios.tcgetattr(self.line)
+        settings[4] = settings[5] = termios.B9600
+        termios.tcsetattr(self.line, termios.TCSANOW, settings)
+
+        self.assertEqual(self.simulator.state["line"]["baud"], 9600)
+
+    def test_hangs_up_when_the_cable_is_pulled(self):
+        self.simulator.do("unplug")
+
+        self.assertEqual(self.read(), b"")
+        self.assertFalse(self.simulator.state["line"]["plugged"])
+        wait_for("the event", lambda: [e for e in self.simulator.events if e.get("event") == "unplugged"])
+
+    def test_answers_again_when_the_cable_is_back(self):
+        self.simulator.do("unplug")
+        os.close(self.line)
+        self.line = os.open(self.simulator.do("plug")["node"], os.O_RDWR | os.O_NOCTTY)
+
+        os.write(self.line, b"h")
+
+        self.assertEqual(self.read(), b"0\n\r")
+
+    def test_hangs_up_in_the_middle_of_a_reply(self):
+        self.simulator.fault("hangUp", command="3", count=5)
+
+        os.write(self.line, b"3")
+
+        wait_for("the cable to be out", lambda: not self.simulator.state["line"]["plugged"])
+
+    def test_enters_its_bootloader_and_takes_an_image(self):
+        os.write(self.line, b"7b")
+        self.assertEqual(self.read(), b">")
+        os.write(self.line, b"u")
+        self.assertEqual(self.read(), b"U")
+        os.write(self.line, b":00000001FF\r")
+
+        image = wait_for("the image", lambda: (lambda i: i["complete"] and i)(self.simulator.do("image")))
+        self.assertEqual(image["bytes"], ":00000001FF\r")
+        self.assertEqual(len(image["times"]), 12)
+        self.assertEqual(self.simulator.device["firmwareVersion"], "9.60")
+
+    def test_refuses_what_it_does_not_know(self):
+        with self.assertRaises(RuntimeError):
+            self.simulator.do("dance")
+        with self.assertRaises(RuntimeError):
+            self.simulator.fault("headache")
+
+    def test_serves_and_records_requests_byte_for_byte(self):
+        self.assertEqual(self.fetch("validateLogin//%20x"), b'{"data":[{"Id":"0"}]}')
+
+        self.assertEqual(self.simulator.requests, [ROOT + "validateLogin//%20x"])
+
+    def test_serves_accounts_that_were_added(self):
+        self.simulator.do("addAccount", values={"AccountLogin": "ada", "Password": "secret1"})
+
+        self.assertEqual(self.fetch("validateLogin/ada/secret1"), b'{"data":[{"Id":"1234"}]}')
+
+    def test_cuts_a_body(self):
+        self.simulator.do("serviceFault", kind="cut", count=3)
+
+        with self.assertRaises(http.client.IncompleteRead) as caught:
+            self.fetch("GetLatestFirmware/9")
+        self.assertEqual(caught.exception.partial, b'{"G')
+
+    def test_answers_what_it_is_told_once(self):
+        self.simulator.do("serviceFault", kind="answer", status=500, body="<html>", method="getAccounts", times=1)
+
+        with self.assertRaises(urllib.error.HTTPError) as caught:
+            self.fetch("getAccounts/1")
+        self.assertEqual((caught.exception.code, caught.exception.read()), (500, b"<html>"))
+        self.assertEqual(self.fetch("getAccounts/1"), b'{"data":[]}')
+
+    def test_sends_around_in_circles(self):
+        self.simulator.do("serviceFault", kind="redirect")
+
+        with self.assertRaises(urllib.error.HTTPError):
+            self.fetch("getAccounts/1")
+
+    def test_sends_without_end(self):
+        self.simulator.do("serviceFault", kind="endless")
+        port = self.simulator.state["service"]["port"]
+
+        with urllib.request.urlopen("http://127.0.0.1:%d%s" % (port, ROOT), timeout=5) as response:
+            self.assertEqual(len(response.read(1 << 21)), 1 << 21)
+
+    def test_refuses_connections(self):
+        port = self.simulator.state["service"]["port"]
+        self.simulator.do("refuseConnections")
+
+        with self.assertRaises(urllib.error.URLError):
+            urllib.request.urlopen("http://127.0.0.1:%d/" % port, timeout=5)
+        self.simulator.do("acceptConnections", port=port)
+        self.assertEqual(self.fetch("getAccounts/1"), b'{"data":[]}')
+
+
+if __name__ == "__main__":
+    BUILD = sys.argv.pop(1)
+    unittest.main()

@@ -1,0 +1,157 @@
+"""From the first window to the last, and every way to the end."""
+import os
+import signal
+
+from harness.firmware import PC_CONNECTED, answer, begin, expect_proceed_question, image_of, wait_for_upload
+from harness.screens import TABS, create_account, open_utilities, open_wifi_setup
+from harness.waiting import wait_for
+
+
+def CancellingTheAgreementLeavesTheLoginAsItWas(world):
+    world.program.type("Account ID or email", "somebody")
+    world.program.press("Create Account")
+    world.program.find("push button", "Accept")
+    world.picture("agreement")
+
+    world.program.press("Cancel")
+
+    wait_for("the agreement to go", lambda: not world.program.look_for("push button", "Accept"))
+    assert world.program.field("Account ID or email").text == "somebody"
+    world.program.press("Create Account")
+    world.program.find("push button", "Accept")
+
+
+def AcceptingTheAgreementOpensTheAccountTab(world):
+    create_account(world.program)
+
+    assert world.program.selected_tab() == "Account Information"
+    assert [tab.name for tab in world.program.root.find_all("page tab")] == TABS
+    assert world.program.field("Account ID").text == ""
+    assert not world.program.look_for("push button", "Sign In")
+
+
+def EveryTabCanBeChosenAgain(world):
+    create_account(world.program)
+
+    for name, button in [("Wifi Setup", "Save network name"), ("Utilities", "Power Status"),
+                         ("Register Vorrano", "Register"), ("Account Information", "Save account"),
+                         ("Wifi Setup", "Save network name")]:
+        world.program.choose_tab(name)
+        world.program.button(button)
+
+
+def AChosenTabStartsAnew(world):
+    open_wifi_setup(world.program)
+    world.program.type("Network name", "My Home Net")
+
+    world.program.choose_tab("Wifi Setup")
+
+    wait_for("an empty screen", lambda: world.program.field("Network name").text == "")
+
+
+def ClosingTheLastWindowEndsTheProgram(world):
+    create_account(world.program)
+
+    world.display.close_window(world.program.pid)
+
+    assert world.program.wait() == 0
+
+
+def ClosingTheLoginWindowEndsTheProgram(world):
+    world.program.button("Sign In")
+
+    world.display.close_window(world.program.pid)
+
+    assert world.program.wait() == 0
+
+
+def open_panel(world):
+    open_utilities(world.program)
+    world.program.press("Update Firmware")
+    answer(world.program, PC_CONNECTED, "No")
+    expect_proceed_question(world.program, "Yes")
+    world.program.find("text", "File name")
+
+
+def EndsOnSigtermWithNothingOpen(world):
+    world.program.button("Sign In")
+
+    assert world.program.end(signal.SIGTERM) == 0
+
+
+def EndsOnSigtermWithAPortOpenAndRestoresItsSettings(world):
+    before = world.vorrano.state["line"]["baud"]
+    open_wifi_setup(world.program)
+    wait_for("the rate", lambda: world.vorrano.state["line"]["baud"] == 9600)
+
+    assert world.program.end(signal.SIGTERM) == 0
+
+    assert world.vorrano.state["line"]["baud"] == before != 9600
+
+
+def EndsOnSigtermWithAnAlertUp(world):
+    open_wifi_setup(world.program)
+    world.program.press("Save security type")
+    world.program.alert()
+
+    assert world.program.end(signal.SIGTERM) == 0
+
+
+def EndsOnSigtermWithTheAgreementUp(world):
+    world.program.press("Create Account")
+    world.program.find("push button", "Accept")
+
+    assert world.program.end(signal.SIGTERM) == 0
+
+
+def EndsOnSigtermWhileAReplyIsAwaited(world):
+    open_wifi_setup(world.program)
+    world.vorrano.fault("silence")
+    world.program.press("Check network name")
+    wait_for("the query", lambda: world.vorrano.received == b"c")
+
+    assert world.program.end(signal.SIGTERM) == 0
+
+
+def EndsOnSigtermWithAQuestionUp(world):
+    open_utilities(world.program)
+    world.program.press("Update Firmware")
+    world.program.alert()
+
+    assert world.program.end(signal.SIGTERM) == 0
+
+
+def EndsOnSigtermWithTheOpenPanelUp(world):
+    open_panel(world)
+
+    assert world.program.end(signal.SIGTERM) == 0
+
+
+def EndsOnSigtermWithTheOpenPanelsOwnMessageUp(world):
+    open_panel(world)
+    path = os.path.join(world.folder, "vorrano.hex")
+    with open(path, "w", encoding="utf-8"):
+        world.program.type("File name", path)
+    wait_for("the button", lambda: world.program.button("Open").has("enabled"))
+    os.unlink(path)
+    world.program.press("Open")
+    wait_for("the panel's message", lambda: world.program.alerts())
+
+    assert world.program.end(signal.SIGTERM) == 0
+
+
+def EndsOnSigtermInTheMiddleOfAnUpload(world):
+    open_utilities(world.program)
+    begin(world, image_of(20))
+    wait_for_upload(world)
+
+    assert world.program.end(signal.SIGTERM) == 0
+
+
+def EndsOnSigintAndOnSighup(world):
+    open_wifi_setup(world.program)
+    assert world.program.end(signal.SIGINT) == 0
+
+    world.start()
+    open_wifi_setup(world.program)
+    assert world.program.end(signal.SIGHUP) == 0

@@ -1,0 +1,49 @@
+"""A USB serial adapter of a real kernel, with a simulated Vorrano at the other end of its line."""
+import os
+import threading
+import tty
+
+from usb_adapter import FtdiAdapter
+
+
+class Cable:
+    """Plugs and pulls the adapter; the simulator hangs its own end up with it."""
+
+    def __init__(self, vorrano, serial="A1B2"):
+        self._vorrano, self._serial = vorrano, serial
+        self.adapter = self._line = None
+        self.events = []
+
+    def plug(self):
+        node = self._vorrano.do("plug")["node"]
+        self._line = os.open(node, os.O_RDWR | os.O_NOCTTY)
+        tty.setraw(self._line)
+        self.adapter = FtdiAdapter(serial=self._serial, on_bytes=self._towards_the_device, on_event=self._note)
+        threading.Thread(target=self._towards_the_host, args=(self._line, self.adapter), daemon=True).start()
+        self.adapter.plug()
+        return self.adapter.node()
+
+    def pull(self):
+        self.adapter.unplug()
+        self._vorrano.do("unplug")
+        os.close(self._line)
+
+    def _note(self, name, value):
+        self.events.append((name, value))
+
+    def _towards_the_device(self, data):
+        try:
+            os.write(self._line, data)
+        except OSError:
+            pass  # pulled
+
+    @staticmethod
+    def _towards_the_host(line, adapter):
+        while True:
+            try:
+                data = os.read(line, 4096)
+            except OSError:
+                return
+            if not data:
+                return
+            adapter.send(data)
