@@ -1,0 +1,143 @@
+#include "OwnPort.h"
+
+#include "EchoDevice.h"
+
+#include "platform/NotificationCentre.h"
+#include "platform/Platform.h"
+#include "platform/asio/AsioBackgroundQueue.h"
+#include "platform/linux/LinuxTerminal.h"
+#include "platform/qt/QtMainQueue.h"
+#include "serial/SerialPort.h"
+#include "serial/SerialPortDelegate.h"
+#include "serial/SerialRequest.h"
+#include "support/FakeAlerts.h"
+#include "support/FakeDeviceRegistry.h"
+#include "support/FakeLayouts.h"
+#include "support/FakeNetwork.h"
+#include "support/FakeSystem.h"
+#include "support/VirtualTime.h"
+
+#include <chrono>
+#include <thread>
+#include <utility>
+
+namespace vorrano::bench {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* kPath = "/dev/cu.usbserial-BENCH";
+constexpr unsigned long kBaudRate = 9600;
+
+class Exchanges final : public serial::SerialPortDelegate {
+public:
+    Exchanges(int times, std::function<void(bool)> done)
+        : m_left(times)
+        , m_done(std::move(done))
+    {}
+
+    [[nodiscard]] serial::SerialPortCallbacks callbacks() const override
+    {
+        return {serial::SerialPortCallback::DidReceiveResponseToRequest, serial::SerialPortCallback::RequestDidTimeout};
+    }
+
+    void serialPortDidReceiveResponseToRequest(serial::SerialPort& port, const serial::Bytes& /*response*/,
+                                               const std::shared_ptr<serial::SerialRequest>& /*request*/) override
+    {
+        --m_left;
+        next(port);
+    }
+
+    void serialPortRequestDidTimeout(serial::SerialPort& /*port*/,
+                                     const std::shared_ptr<serial::SerialRequest>& /*request*/) override
+    {
+        m_done(false);
+    }
+
+    void next(serial::SerialPort& port)
+    {
+        if (m_left == 0) {
+            m_done(true);
+            return;
+        }
+        port.sendRequest(serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
+            serial::Bytes(1, kRequest), {}, 2s,
+            [](const serial::Bytes& bytes) { return bytes.size() >= kReplyLength; }));
+    }
+
+private:
+    int m_left;
+    const std::function<void(bool)> m_done;
+};
+
+} // namespace
+
+class OwnPort::Parts {
+public:
+    explicit Parts(const std::string& node)
+    {
+        m_registry.plug({.calloutPath = kPath, .dialinPath = node, .ttyName = "bench"});
+        port = serial::SerialPort::serialPortWithPath(kPath);
+        port->setBaudRate(std::make_shared<const unsigned long>(kBaudRate));
+    }
+
+    ~Parts()
+    {
+        port->close();
+        m_backgroundQueue.stop();
+        m_backgroundQueue.joinWithin(5s);
+        port.reset();
+    }
+
+    std::shared_ptr<serial::SerialPort> port;
+    std::shared_ptr<Exchanges> delegate;
+
+private:
+    support::FakeSystemLog m_log;
+    qt::QtMainQueue m_mainQueue{m_log};
+    asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log, std::this_thread::get_id()};
+
+    // The rest of a platform, which the serial layer never asks.
+    support::VirtualTime m_noTime{m_log};
+    support::FakeMainQueue m_noQueue{m_noTime};
+    support::FakeLayouts m_layouts{m_noQueue};
+    support::FakeAlerts m_alerts{m_noQueue};
+    support::FakeOpenPanel m_openPanel{m_noQueue};
+    support::FakeWifi m_wifi;
+    support::FakeReachability m_reachability{m_noQueue};
+    support::FakeUrlFetch m_urlFetch{m_noTime};
+    support::FakePause m_pause{m_noQueue};
+    support::FakePowerEvents m_power{m_noTime, m_pause};
+    support::FakeOperatingSystem m_system;
+    platform::NotificationCentre m_notifications;
+
+    support::FakeDeviceRegistry m_registry{m_noQueue};
+    linux_platform::LinuxTerminal m_terminal{m_registry};
+    platform::Platform m_platform{platform::Ports{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue,
+                                                  m_notifications, m_terminal, m_registry, m_wifi, m_reachability,
+                                                  m_urlFetch, m_power, m_pause, m_log, m_system, ""}};
+};
+
+OwnPort::OwnPort(const std::string& node)
+    : m_parts(std::make_unique<Parts>(node))
+{}
+
+OwnPort::~OwnPort() = default;
+
+bool OwnPort::open()
+{
+    m_parts->port->open();
+    return m_parts->port->isOpen();
+}
+
+void OwnPort::close() { m_parts->port->close(); }
+
+void OwnPort::exchange(int times, std::function<void(bool)> done)
+{
+    m_parts->delegate = std::make_shared<Exchanges>(times, std::move(done));
+    m_parts->port->setDelegate(m_parts->delegate);
+    m_parts->delegate->next(*m_parts->port);
+}
+
+} // namespace vorrano::bench

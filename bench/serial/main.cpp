@@ -1,0 +1,181 @@
+// The serial link against Qt's own serial port class, in the same run: the round trip of a 19-byte reply over a pty,
+// and what an open port costs while nothing happens.
+//
+// usage: bench_serial [exchanges per run]     ends with 1 when a limit is passed, with 2 when it could not measure
+#include "EchoDevice.h"
+#include "OwnPort.h"
+#include "QtPort.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+#include <stdexcept>
+#include <string_view>
+
+#include <sys/resource.h>
+
+namespace {
+
+using namespace vorrano::bench;
+using Microseconds = std::chrono::duration<double, std::micro>;
+
+constexpr int kRuns = 5;
+// A run is made of slices of the one and the other in turn, so that both meet the same load of the computer.
+constexpr int kSlices = 20;
+constexpr double kHighestRatio = 2.0;
+constexpr double kHighestIdleShare = 0.004;
+constexpr std::chrono::seconds kIdleTime{5};
+
+Microseconds cpuTime()
+{
+    rusage used{};
+    ::getrusage(RUSAGE_SELF, &used);
+    const auto spent = [](const timeval& time) {
+        return Microseconds(std::chrono::seconds(time.tv_sec)) + Microseconds(time.tv_usec);
+    };
+    return spent(used.ru_utime) + spent(used.ru_stime);
+}
+
+struct Cost {
+    Microseconds time{};
+    Microseconds cpu{};
+
+    Cost& operator+=(const Cost& other)
+    {
+        time += other.time;
+        cpu += other.cpu;
+        return *this;
+    }
+};
+
+// What `wait` costs while it lasts.
+template <class Wait>
+Cost costOf(Wait wait)
+{
+    const auto begun = std::chrono::steady_clock::now();
+    const auto cpuBefore = cpuTime();
+    wait();
+    return {std::chrono::steady_clock::now() - begun, cpuTime() - cpuBefore};
+}
+
+template <class Port>
+Cost costOfExchange(Port& port, int times)
+{
+    bool answered = false;
+    const auto cost = costOf([&] {
+        QEventLoop loop;
+        QTimer::singleShot(0, &loop, [&] {
+            port.exchange(times, [&](bool all) {
+                answered = all;
+                loop.quit();
+            });
+        });
+        loop.exec();
+    });
+    if (!answered) {
+        throw std::runtime_error("a request was not answered");
+    }
+    return cost;
+}
+
+template <class Port>
+void open(Port& port)
+{
+    if (!port.open()) {
+        throw std::runtime_error("the port does not open");
+    }
+}
+
+double median(std::array<double, kRuns> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[kRuns / 2];
+}
+
+bool judge(const char* what, double measured, double highest, const char* unit)
+{
+    const bool good = measured <= highest;
+    std::printf("%-36s %.3f%s, at most %.3f%s%s\n", what, measured, unit, highest, unit, good ? "" : ": TOO MUCH");
+    return good;
+}
+
+bool compareRoundTrips(OwnPort& own, QtPort& qt, int times)
+{
+    open(own);
+    open(qt);
+    const int slice = times / kSlices + 1;
+    std::array<double, kRuns> timeRatios{};
+    std::array<double, kRuns> cpuRatios{};
+    for (std::size_t run = 0; run < kRuns; ++run) {
+        Cost ours;
+        Cost theirs;
+        for (int i = 0; i < kSlices; ++i) {
+            ours += costOfExchange(own, slice);
+            theirs += costOfExchange(qt, slice);
+        }
+        timeRatios[run] = ours.time / theirs.time;
+        cpuRatios[run] = ours.cpu / theirs.cpu;
+        const double exchanges = slice * kSlices;
+        std::printf("run %zu: round trip %.1f us, Qt %.1f us; CPU %.1f us, Qt %.1f us\n", run + 1,
+                    ours.time.count() / exchanges, theirs.time.count() / exchanges, ours.cpu.count() / exchanges,
+                    theirs.cpu.count() / exchanges);
+    }
+    own.close();
+    qt.close();
+    const bool quick = judge("round trip against Qt, median of 5:", median(timeRatios), kHighestRatio, " times");
+    const bool cheap = judge("CPU against Qt, median of 5:", median(cpuRatios), kHighestRatio, " times");
+    return quick && cheap;
+}
+
+bool measureIdle(OwnPort& own)
+{
+    const auto idle = [] {
+        return costOf([] {
+            QEventLoop loop;
+            QTimer::singleShot(kIdleTime, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+            loop.exec();
+        });
+    };
+    const Cost closed = idle();
+    open(own);
+    const Cost opened = idle();
+    own.close();
+    const double share = opened.cpu / opened.time - closed.cpu / closed.time;
+    return judge("an idle open port:", 100 * share, 100 * kHighestIdleShare, " % of a core");
+}
+
+int measure(int argc, char** argv, const EchoDevice& ownDevice, const EchoDevice& qtDevice)
+{
+    int times = 3000;
+    if (argc > 1) {
+        const std::string_view given(argv[1]);
+        std::from_chars(given.data(), given.data() + given.size(), times);
+    }
+    const QCoreApplication application(argc, argv);
+    OwnPort own(ownDevice.node());
+    QtPort qt(qtDevice.node());
+    const bool roundTrips = compareRoundTrips(own, qt, std::max(times, 1));
+    const bool idle = measureIdle(own);
+    return roundTrips && idle ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        // Before there are threads, as they are processes.
+        const EchoDevice ownDevice;
+        const EchoDevice qtDevice;
+        return measure(argc, argv, ownDevice, qtDevice);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "bench_serial: %s\n", failure.what());
+        return 2;
+    }
+}
