@@ -9,7 +9,8 @@
 #include <chrono>
 #include <utility>
 
-// All of this but receiveData() and sendRequest() runs on the request queue; so none of it takes a lock.
+// All of this but receiveData() and sendRequest() runs on the request queue; so none of it takes a lock. An idle queue
+// lends itself to the caller of sendRequest(), so that a request is written without waking a thread.
 namespace vorrano::serial {
 
 namespace {
@@ -25,7 +26,7 @@ bool SerialPort::sendRequest(std::shared_ptr<SerialRequest> request)
         return false;
     }
     bool accepted = false;
-    m_requestHandlingQueue->sync([&] { accepted = reallySendRequest(std::move(request)); });
+    m_requestHandlingQueue->syncInPlace([&] { accepted = reallySendRequest(std::move(request)); });
     return accepted;
 }
 
@@ -42,7 +43,8 @@ bool SerialPort::reallySendRequest(std::shared_ptr<SerialRequest> request)
         // It stays pending, and times out.
         return false;
     }
-    checkResponseToPendingRequestAndContinueIfValid();
+    // Nobody's response test runs on the main thread, whoever sends from there.
+    m_requestHandlingQueue->offMainThread(onQueue(&SerialPort::checkResponseToPendingRequestAndContinueIfValid));
     return true;
 }
 
