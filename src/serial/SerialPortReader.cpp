@@ -103,7 +103,7 @@ void SerialPort::pollPins(const LinePointer& line, const std::weak_ptr<platform:
     }
     if (lines.failed()) {
         const auto isGone = lines.error == ENXIO;
-        notifyDelegateOfPosixErrorWaitingUntilDone(lines.error, false);
+        notifyDelegateOfPosixErrorWaitingUntilDone(lines.error, isGone);
         if (isGone) {
             cleanupAfterRemovalOfOpen(line->number());
             // One word of the removal is enough, however long it takes until the port is closed.

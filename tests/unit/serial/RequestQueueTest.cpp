@@ -49,7 +49,31 @@ TEST_F(RequestQueue, HasWrittenTheRequestWhenTheSendReturns)
 
     EXPECT_EQ(world.now(), 320ms);
     EXPECT_EQ(line.written(), "3");
-    EXPECT_FALSE(world.terminal.calls({TerminalCall::Write}).front().onMainThread);
+}
+
+TEST_F(RequestQueue, WritesInsideTheCallWhenItIsIdleAndWakesNoThreadForIt)
+{
+    openQuietly();
+
+    port->sendRequest(request("3", 2s, endsWith("!")));
+
+    EXPECT_TRUE(world.terminal.calls({TerminalCall::Write}).front().onMainThread);
+}
+
+TEST_F(RequestQueue, NeverAsksTheEvaluatorOnTheMainThreadWhenTheReplyIsThereAtOnce)
+{
+    openQuietly();
+    Lines asked;
+    port->sendRequest(request("3", 2s, [&](const Bytes& bytes) {
+        EXPECT_FALSE(world.mainQueue.isMainThread());
+        asked.push_back(bytes);
+        return !bytes.empty();
+    }));
+    line.reply("ab");
+
+    world.run();
+
+    EXPECT_THAT(asked, ElementsAre("", "ab"));
 }
 
 TEST_F(RequestQueue, RefusesNoRequestAtAll)
@@ -212,6 +236,7 @@ TEST_F(RequestQueue, AsksTheEvaluatorOnceAfterTheWriteAndOnceAfterEachChunkOffTh
         asked.push_back(bytes);
         return bytes == "abcd";
     }));
+    world.run();
     EXPECT_THAT(asked, ElementsAre(""));
     EXPECT_EQ(line.written(), "3");
 
