@@ -23,13 +23,6 @@ using platform::Control;
 using platform::Platform;
 using session::GlobalVariables;
 
-namespace {
-
-// A port of another kind must not be sent a query: whatever is behind it may take it for something else.
-constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
-
-} // namespace
-
 std::shared_ptr<RegisterVorranoViewController> RegisterVorranoViewController::create()
 {
     const std::shared_ptr<RegisterVorranoViewController> controller(
@@ -64,7 +57,8 @@ void RegisterVorranoViewController::queryForMacAddress()
 {
     const auto& ports = serial::SerialPortManager::sharedSerialPortManager()->availablePorts();
     const auto index = static_cast<std::size_t>(m_deviceIndex);
-    if (index >= ports.size() || ports[index]->path().find(kVorranoPath) == std::string::npos) {
+    // A port of another kind must not be sent a query: whatever is behind it may take it for something else.
+    if (index >= ports.size() || ports[index]->path().find(device::kVorranoPath) == std::string::npos) {
         return;
     }
     setQueryNumber(DeviceCommand::MacAddress);
