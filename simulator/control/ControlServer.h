@@ -34,8 +34,9 @@ private:
     [[nodiscard]] QJsonObject answer(QLocalSocket* socket, const QByteArray& line);
 
     Handler m_handler;
-    QLocalServer m_server;
     std::vector<QLocalSocket*> m_subscribers;
+    // Goes first: its sockets say goodbye to the others.
+    QLocalServer m_server;
 };
 
 } // namespace vorrano::simulator

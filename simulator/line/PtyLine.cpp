@@ -41,7 +41,12 @@ PtyLine::PtyLine(Listener listener)
     QObject::connect(&m_pump, &QTimer::timeout, &m_pump, [this] { pump(); });
 }
 
-PtyLine::~PtyLine() { unplug(); }
+PtyLine::~PtyLine()
+{
+    // There may be no event loop any more to delete it later.
+    m_notifier.reset();
+    unplug();
+}
 
 Moment PtyLine::now() { return std::chrono::steady_clock::now().time_since_epoch(); }
 

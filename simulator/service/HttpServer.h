@@ -75,10 +75,11 @@ private:
 
     SimulatedService& m_service;
     std::function<void(const RecordedRequest&)> m_recorded;
-    QTcpServer m_server;
-    std::unique_ptr<QTcpServer> m_secureServer;
     std::list<ServiceFault> m_faults;
     std::vector<RecordedRequest> m_requests;
+    // They go first, as their sockets use the others to the end.
+    QTcpServer m_server;
+    std::unique_ptr<QTcpServer> m_secureServer;
 };
 
 } // namespace vorrano::simulator

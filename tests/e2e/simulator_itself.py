@@ -6,6 +6,7 @@ usage: simulator_itself.py BUILD_FOLDER
 import http.client
 import os
 import select
+import socket
 import sys
 import tempfile
 import termios
@@ -14,7 +15,7 @@ import urllib.error
 import urllib.request
 
 sys.dont_write_bytecode = True
-from harness.simulator import Simulator  # noqa: E402
+from harness.simulator import Control, Simulator  # noqa: E402
 from harness.waiting import wait_for  # noqa: E402
 
 BUILD = ""
@@ -29,7 +30,8 @@ class SimulatorItself(unittest.TestCase):
 
     def tearDown(self):
         os.close(self.line)
-        self.simulator.stop()
+        # Its end comes while it is being listened to.
+        self.assertEqual(self.simulator.stop(), 0)
         self.folder.cleanup()
 
     def read(self):
@@ -95,6 +97,54 @@ class SimulatorItself(unittest.TestCase):
         os.write(self.line, b"3")
 
         wait_for("the cable to be out", lambda: not self.simulator.state["line"]["plugged"])
+
+    def test_forgets_what_it_had_still_to_say_when_the_cable_is_pulled(self):
+        self.simulator.fault("split", command="3")
+        os.write(self.line, b"3")
+        wait_for("the first piece", lambda: [e for e in self.simulator.events if e.get("event") == "sent"])
+
+        self.simulator.do("unplug")
+        os.close(self.line)
+        self.line = os.open(self.simulator.do("plug")["node"], os.O_RDWR | os.O_NOCTTY)
+        self.simulator.do("clearFaults")
+
+        os.write(self.line, b"h")
+        self.assertEqual(self.read(), b"0\n\r")
+
+    def test_goes_on_when_a_listener_leaves_in_the_middle_of_an_upload(self):
+        leaver = Control(self.simulator.path)
+        leaver.do("subscribe")
+        os.write(self.line, b"7b")
+        self.assertEqual(self.read(), b">")
+        os.write(self.line, b"u")
+        self.assertEqual(self.read(), b"U")
+        leaver.close()
+
+        os.write(self.line, b":" * 2000)
+
+        wait_for("the image", lambda: self.simulator.do("image")["complete"])
+        self.assertEqual(self.simulator.state["imageSize"], 2000)
+
+    def test_goes_on_when_a_caller_hangs_up_before_the_answer(self):
+        self.simulator.do("serviceFault", kind="slow", delay=200, times=2)
+        port = self.simulator.state["service"]["port"]
+        for _ in range(2):
+            with socket.create_connection(("127.0.0.1", port)) as caller:
+                caller.sendall(b"GET %sgetAccounts/1 HTTP/1.1\r\n\r\n" % ROOT.encode())
+                wait_for("the request", lambda: self.simulator.requests)
+        wait_for("both requests", lambda: len(self.simulator.requests) == 2)
+
+        self.assertEqual(self.fetch("getAccounts/1"), b'{"data":[]}')
+
+    def test_ends_while_an_answer_is_awaited(self):
+        for kind in ("noAnswer", "slow", "endless"):
+            self.simulator.do("serviceFault", kind=kind, delay=5000, times=1)
+        callers = [socket.create_connection(("127.0.0.1", self.simulator.state["service"]["port"])) for _ in range(3)]
+        for caller in callers:
+            self.addCleanup(caller.close)
+            caller.sendall(b"GET %sgetAccounts/1 HTTP/1.1\r\n\r\n" % ROOT.encode())
+
+        wait_for("the requests", lambda: len(self.simulator.requests) == 3)
 
     def test_enters_its_bootloader_and_takes_an_image(self):
         os.write(self.line, b"7b")

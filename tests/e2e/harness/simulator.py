@@ -12,12 +12,12 @@ class Control:
     """A simulator's control socket."""
 
     def __init__(self, path):
-        self._path = path
+        self.path = path
         self._lines = self._connect()
 
     def _connect(self):
         with socket.socket(socket.AF_UNIX) as connection:
-            connection.connect(self._path)
+            connection.connect(self.path)
             return connection.makefile("rw", encoding="utf-8", newline="\n")
 
     def do(self, what, **members):
@@ -92,8 +92,10 @@ class Simulator(Control):
         return times[-1] / 1e9
 
     def stop(self):
+        """Gives its exit status."""
         self._process.stdin.close()
-        self._process.wait(10)
+        status = self._process.wait(10)
         self._process.stdout.close()
         self.close()
         self._listener.join(10)
+        return status
