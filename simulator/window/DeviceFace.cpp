@@ -15,6 +15,7 @@ constexpr double kCaseWidth = 232;
 constexpr double kCaseHeight = 250;
 constexpr double kCaseRadius = 34;
 constexpr double kPlugGap = 26;
+constexpr int kScreenMargin = 10;
 
 const QColor kCableColour(0x3A, 0x44, 0x4D);
 
@@ -57,6 +58,13 @@ void dress(QLabel& label, int points, const char* colour)
     label.setStyleSheet(QStringLiteral("color: %1; background: transparent;").arg(QLatin1String(colour)));
 }
 
+// What is too long for the screen ends in dots; a screen reader reads all of it.
+void write(QLabel& label, const QString& text, int width)
+{
+    label.setText(label.fontMetrics().elidedText(text, Qt::ElideRight, width));
+    label.setAccessibleName(text);
+}
+
 } // namespace
 
 DeviceFace::DeviceFace(QWidget* parent)
@@ -65,7 +73,7 @@ DeviceFace::DeviceFace(QWidget* parent)
 {
     setFixedHeight(kHeight);
     setAccessibleName(QStringLiteral("Simulated Vorrano"));
-    dress(m_temperature, 30, "#FFC27A");
+    dress(m_temperature, 28, "#FFC27A");
     dress(m_network, 10, "#9ED8FF");
     dress(m_status, 10, "#A9E8A0");
     m_temperature.setAccessibleDescription(QStringLiteral("Temperature"));
@@ -81,21 +89,24 @@ DeviceFace::DeviceFace(QWidget* parent)
     m_progress.setSizePolicy(policy);
 
     auto* const rows = new QVBoxLayout(&m_screen);
-    rows->setContentsMargins(14, 16, 14, 12);
+    rows->setContentsMargins(kScreenMargin, 16, kScreenMargin, 12);
     for (QWidget* row : std::initializer_list<QWidget*>{&m_network, &m_temperature, &m_status, &m_progress}) {
         rows->addWidget(row);
     }
 }
 
-void DeviceFace::resizeEvent(QResizeEvent*) { m_screen.setGeometry(caseRect().adjusted(20, 22, -20, -56).toRect()); }
+void DeviceFace::resizeEvent(QResizeEvent*) { m_screen.setGeometry(screenRect()); }
 
 QRectF DeviceFace::caseRect() const { return {(width() - kCaseWidth) / 2, 12, kCaseWidth, kCaseHeight}; }
+
+QRect DeviceFace::screenRect() const { return caseRect().adjusted(20, 22, -20, -56).toRect(); }
 
 void DeviceFace::display(const SimulatedVorrano& vorrano, bool plugged)
 {
     m_temperature.setText(temperatureOf(vorrano.memory()));
-    m_network.setText(networkOf(vorrano.memory()));
-    m_status.setText(statusOf(vorrano, plugged));
+    const int width = screenRect().width() - 2 * kScreenMargin;
+    write(m_network, networkOf(vorrano.memory()), width);
+    write(m_status, statusOf(vorrano, plugged), width);
     m_progress.setVisible(vorrano.mode() == Mode::Image);
     // A new image is about as large as the one that it replaces.
     m_progress.setMaximum(static_cast<int>(vorrano.memory().firmwareSize));

@@ -22,6 +22,7 @@ protected:
 
 private:
     [[nodiscard]] QRectF caseRect() const;
+    [[nodiscard]] QRect screenRect() const;
     void paintCable(QPainter& painter) const;
     void paintCase(QPainter& painter) const;
 

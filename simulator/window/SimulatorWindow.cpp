@@ -9,12 +9,16 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace vorrano::simulator {
 namespace {
 
 constexpr int kLinesKept = 400;
 constexpr int kWidth = 420;
 constexpr int kWireHeight = 170;
+constexpr int kMargin = 11;
+constexpr int kCableButtonWidth = 144;
 constexpr int kScreenMargin = 12;
 constexpr std::string_view kCarriageReturn = "\\r";
 constexpr std::string_view kNul = "\\0";
@@ -62,7 +66,7 @@ SimulatorWindow::SimulatorWindow(Simulator& simulator)
 
 void SimulatorWindow::build()
 {
-    m_cable.setAccessibleName(QStringLiteral("Cable"));
+    m_cable.setMinimumWidth(kCableButtonWidth);
     m_probe.setRange(32, 104);
     m_probe.setValue(static_cast<int>(m_simulator.device().memory().fahrenheit));
     m_faults.addItems({QStringLiteral("As it should"), QStringLiteral("Not at all"), QStringLiteral("Slowly"),
@@ -72,28 +76,41 @@ void SimulatorWindow::build()
     m_wire.setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_wire.setFixedHeight(kWireHeight);
     m_wire.setAccessibleName(QStringLiteral("What passes"));
+    m_wire.setPlaceholderText(QStringLiteral("What passes will stand here."));
     m_wire.setTabChangesFocus(true);
 
-    auto* const form = new QFormLayout;
-    form->addRow(QStringLiteral("&Probe:"), &m_probe);
-    form->addRow(QStringLiteral("It &answers:"), &m_faults);
-    auto* const legend = new QLabel(
-        QStringLiteral("%1to the Vorrano   %2from it   %3to the service").arg(kToVorrano, kFromVorrano, kToService));
-    auto* const rows = new QVBoxLayout(this);
-    rows->addWidget(&m_face);
+    // The keyboard goes from one to the next in the order in which they are added here.
+    auto* const rows = new QVBoxLayout;
     rows->addWidget(&m_cable, 0, Qt::AlignHCenter);
-    rows->addLayout(form);
+    rows->addLayout(form());
     rows->addWidget(&m_wire);
-    rows->addWidget(legend);
+    rows->addWidget(new QLabel(
+        QStringLiteral("%1to the Vorrano   %2from it   %3to the service").arg(kToVorrano, kFromVorrano, kToService)));
+    rows->setContentsMargins(kMargin, 0, kMargin, kMargin);
+    // The cable comes from the window's edge.
+    auto* const whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, kMargin, 0, 0);
+    whole->addWidget(&m_face);
+    whole->addLayout(rows);
+    setFixedWidth(std::max(kWidth, sizeHint().width()));
+}
+
+QFormLayout* SimulatorWindow::form()
+{
+    auto* const form = new QFormLayout;
+    form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    form->addRow(QStringLiteral("&Temperature:"), &m_probe);
+    form->addRow(QStringLiteral("It &answers:"), &m_faults);
     if (const auto& accounts = m_simulator.service().accounts(); !accounts.empty()) {
         const auto& values = accounts.front().values;
         auto* const account = new QLabel(
-            QStringLiteral("To sign in: account %1, password %2")
+            QStringLiteral("account %1, password %2")
                 .arg(QString::fromStdString(values.at("AccountLogin")), QString::fromStdString(values.at("Password"))));
         account->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-        form->addRow(account);
+        account->setFocusPolicy(Qt::StrongFocus);
+        form->addRow(QStringLiteral("To sign in:"), account);
     }
-    setFixedWidth(kWidth);
+    return form;
 }
 
 void SimulatorWindow::connectControls()
@@ -153,6 +170,7 @@ void SimulatorWindow::refresh()
     const bool plugged = m_simulator.isPlugged();
     m_face.display(m_simulator.device(), plugged);
     m_cable.setText(plugged ? QStringLiteral("Pull the &Cable Out") : QStringLiteral("Plug the &Cable In"));
+    m_cable.setAccessibleDescription(plugged ? QStringLiteral("The cable is in") : QStringLiteral("The cable is out"));
 }
 
 } // namespace vorrano::simulator

@@ -10,6 +10,8 @@
 #include <QSlider>
 #include <QWidget>
 
+class QFormLayout;
+
 namespace vorrano::simulator {
 
 // The simulated Vorrano on the desk: its face, a cable to pull and plug, a probe to warm, faults to choose from, and
@@ -22,6 +24,7 @@ public:
 
 private:
     void build();
+    [[nodiscard]] QFormLayout* form();
     void connectControls();
     void heard(const QJsonObject& event);
     void write(const QString& direction, const std::string& text);

@@ -3,7 +3,7 @@ import os
 import random
 import re
 
-from harness.bus import Gone
+from harness.bus import Gone, plain
 from harness.firmware import image_of
 from harness.screens import NO_VORRANO, create_account, open_tab
 from harness.simulator import Control
@@ -11,6 +11,8 @@ from harness.waiting import Late, stays, wait_for
 from harness.world import situation
 
 PULLS = 100
+CONTROLS = [("push button", "Pull the Cable Out"), ("slider", "Temperature"), ("combo box", "It answers"),
+            ("label", "To sign in"), ("text", "What passes")]
 BUTTONS = {
     "Register Vorrano": ["Register"],
     "Wifi Setup": ["Save network name", "Save password", "Check network name", "Check connection", "Reset Vorrano"],
@@ -33,7 +35,14 @@ def face(world, text):
 
 
 def cable_button(world):
-    return world.bus.applications("vorrano-simulator")[0].find_all("push button", "Cable")[0]
+    buttons = world.bus.applications("vorrano-simulator")[0].find_all("push button")
+    return next(button for button in buttons if "Cable" in button.name)
+
+
+def focused(root):
+    """What has the keyboard, as (role, name) with its label's name for what has one."""
+    nodes = [node for node in root.find_all() if node.has("focused")]
+    return (nodes[0].role, plain((nodes[0].labels + [nodes[0].name])[0])) if nodes else None
 
 
 @situation(program="vorrano-demo", plugged=False)
@@ -67,6 +76,55 @@ def TheCableCanBePulledWhileAnAlertIsUp(world):
     wait_for("word of it to go", lambda: not world.program.shows(NO_VORRANO))
     world.program.press("Check network name")
     world.program.expect_alert("Not set\n\n\r", "Success")
+
+
+@situation(program="vorrano-demo", plugged=False)
+def EachControlOfTheSimulatedVorranoHasANameAndIsReachedByKeys(world):
+    root = wait_for("the simulator", lambda: world.bus.applications("vorrano-simulator"))[0]
+    world.display.focus_window_called("Simulated Vorrano")
+    first = wait_for("the keyboard", lambda: focused(root))
+
+    way = [first]
+    for _ in range(len(CONTROLS)):
+        world.display.keys("Tab")
+        way.append(wait_for("the next control", lambda: focused(root) not in (way[-1], None) and focused(root)))
+
+    assert way == CONTROLS + CONTROLS[:1], way
+    # Nothing else takes the keyboard.
+    takers = [node for node in root.find_all() if node.has("focusable") and node.role in {role for role, _ in CONTROLS}]
+    assert len(takers) == len(CONTROLS), takers
+
+
+@situation(program="vorrano-demo", plugged=False)
+def TheSimulatedVorranoIsWorkedByKeysAndReadAloud(world):
+    keys = world.display.keys
+    root = wait_for("the simulator", lambda: world.bus.applications("vorrano-simulator"))[0]
+    vorrano = control_of(world)
+    open_tab(world.program, "Wifi Setup")
+    world.display.focus_window_called("Simulated Vorrano")
+    wait_for("the keyboard", lambda: focused(root))
+
+    keys("alt+c")
+    wait_for("the Vorrano alone", lambda: face(world, "On its own"))
+    wait_for("the button's new name", lambda: cable_button(world).name == "Plug the Cable In")
+    assert cable_button(world).description == "The cable is out"
+    keys("alt+c")
+    wait_for("the cable", lambda: face(world, "PC Connected..."))
+    assert cable_button(world).description == "The cable is in"
+
+    keys("alt+t", "End")
+    wait_for("the heat", lambda: face(world, "104.0 \u00b0F"))
+    keys("alt+a", "Down")
+    wait_for("the trouble", lambda: root.find_all("combo box", "Not at all"))
+
+    vorrano.do("clearFaults")
+    vorrano.do("set", ssid="A$network$with$a$very$long$name$indeed")
+    wait_for("the whole name", lambda: face(world, "Network: A network with a very long name indeed"))
+    world.program.press("Check network name")
+    world.program.expect_alert("A network with a very long name indeed\n\n\r", "Success")
+    passed = root.find_all("text", "What passes")[0].text
+    assert passed.endswith("\u2192 c\n\u2190 A$network$with$a$very$long$name$indeed\\n\\n\\r"), passed
+    vorrano.close()
 
 
 @situation(program="vorrano-demo", plugged=False)

@@ -57,6 +57,10 @@ class Display:
         """Gives the keyboard to the program, as no window manager does it here."""
         subprocess.run(["xdotool", "windowfocus", "--sync", self._windows(pid)[-1]], check=True)
 
+    def focus_window_called(self, title):
+        subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^%s$" % title, "windowfocus", "--sync"],
+                       check=True)
+
     def close_window(self, pid):
         """What the window's close button does."""
         x = XLib(self.name)
