@@ -13,6 +13,7 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 sys.dont_write_bytecode = True
 sys.path[:0] = [HERE, os.path.join(HERE, "..", "e2e"), os.path.dirname(shutil.which("usb_adapter.py"))]
 
+from adapter import SLOW                                              # noqa: E402
 from cable import Cable                                               # noqa: E402
 from harness.bus import Bus                                           # noqa: E402
 from harness.display import Display                                   # noqa: E402
@@ -20,9 +21,6 @@ from harness.program import Program                                   # noqa: E4
 from harness.screens import NO_VORRANO, open_wifi_setup               # noqa: E402
 from harness.simulator import Simulator                               # noqa: E402
 from harness.waiting import wait_for                                  # noqa: E402
-
-# A control call that is under way when the plug is pulled takes the kernel 5 s; the guest is slow besides.
-SLOW = 40.0
 
 
 class World:
