@@ -2,6 +2,7 @@
 """Makes a tour of the demo by itself, as a screen reader's user would, and leaves pictures with a page of them.
 
 usage: dbus-run-session -- tour.py BUILD_FOLDER PICTURE_FOLDER
+It exits with another status than 0, and writes no page, when a step does not end as expected.
 """
 import os
 import pathlib
@@ -20,7 +21,7 @@ from harness.firmware import FINISHED, PC_CONNECTED, expect_proceed_question, im
 from harness.program import Program  # noqa: E402
 from harness.simulator import Control  # noqa: E402
 from harness.waiting import wait_for  # noqa: E402
-from pictures import Album, windows  # noqa: E402
+from pictures import Album, picture, still_picture, windows  # noqa: E402
 
 NEW_ACCOUNT = {"Account ID": "ada", "Password": "copper kettle", "Confirm password": "copper kettle",
                "Guest password": "tin teapot", "Confirm guest password": "tin teapot", "Email": "ada@vorrano.example",
@@ -29,17 +30,19 @@ NEW_ACCOUNT = {"Account ID": "ada", "Password": "copper kettle", "Confirm passwo
 SAVED = ("Success!", "Account Information Saved Successfully. Proceed to Register Vorrano")
 REGISTERED = ("Success", "Device Successfully Registered. Proceed to WiFi Setup.")
 STORED = ("OK\n\r", "Success")
+SECRETS = ("password", "wepKey")
 WIDE, NARROW = (18, 48), (180, 190)
 
 
 class Tour:
     def __init__(self, build, folder, display, album):
-        self._bus, self._display, self._album = Bus(), display, album
-        self._folder = tempfile.mkdtemp(prefix="vorrano-tour-")
-        environment = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_QPA_PLATFORM="xcb", HOME=self._folder)
+        self._bus, self._album = Bus(), album
+        self._folder = tempfile.mkdtemp(prefix="tour-")
+        home = pathlib.Path(self._folder, "ada")
+        environment = dict(os.environ, QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_QPA_PLATFORM="xcb", HOME=str(home))
         log = pathlib.Path(self._folder, "log")
-        self._downloads = pathlib.Path(self._folder, "Downloads")
-        self._downloads.mkdir()
+        self._downloads = home / "Downloads"
+        self._downloads.mkdir(parents=True)
         self.program = Program(self._bus, display, os.path.join(build, "vorrano-demo"), environment, log,
                                self._downloads)
         said = wait_for("the simulator's address", lambda: re.search("controlled at (.*)", log.read_text()))
@@ -49,7 +52,11 @@ class Tour:
 
     def picture(self, name, caption):
         self._arrange()
-        self._album.add(self._display, name, caption)
+        self._album.add(name, caption, still_picture)
+
+    def passing_picture(self, name, caption):
+        """Of what has moved on when the screen is still."""
+        self._album.add(name, caption, picture)
 
     def _arrange(self):
         """The program's windows go to the left, so that the Vorrano is seen beside them."""
@@ -74,7 +81,7 @@ class Tour:
 
     def sign_in(self):
         self.program.button("Sign In")
-        self.picture("sign-in", "The program starts with the sign-in. The Vorrano stands beside it, its cable in.")
+        self.picture("sign-in", "The program starts with the sign-in. The simulated Vorrano stands beside it, its cable in.")
         self.program.type("Account ID or email", "demo")
         self.program.type("Password", "vorrano")
         self.program.press("Sign In")
@@ -153,13 +160,14 @@ class Tour:
         self.picture("firmware-question", "A firmware update asks what the Vorrano's screen shows.")
         program.dismiss(alert, "Yes")
         wait_for("the next question", lambda: any(alert.title.startswith("You must") for alert in program.alerts()))
-        self.picture("firmware-download", "A newer version is there; its image file has to be downloaded already.")
+        self.picture("firmware-download", "There is newer firmware. Its file has to be downloaded before.")
         expect_proceed_question(program, "Yes")
-        program.type("File name", str(image))
-        self.picture("firmware-file", "The image file is chosen.")
+        program.press("List View")
+        program.type("File name", image.name)
+        self.picture("firmware-file", "The file is chosen.")
         program.press("Open")
         wait_for("half of the image", lambda: self.vorrano.state["imageSize"] > 500)
-        self.picture("firmware-upload", "The bootloader takes the image.")
+        self.passing_picture("firmware-upload", "The new firmware is on its way; the Vorrano shows how much has come.")
         self.alert(*FINISHED, "firmware-finished", "The update has finished.")
         wait_for("the new firmware", lambda: self.vorrano.state["mode"] == "normal" and
                  self.vorrano.device["firmwareVersion"] == "9.60")
@@ -171,7 +179,7 @@ class Tour:
     def print_device(self):
         print("\nThe simulated Vorrano now holds:")
         for name, value in sorted(self.vorrano.device.items()):
-            print("  %-20s %s" % (name, value))
+            print("  %-20s %s" % (name, "••••" if value and name in SECRETS else value))
 
     def close(self):
         self.vorrano.close()
@@ -185,6 +193,9 @@ def walk(tour, steps):
     try:
         for step in steps:
             getattr(tour, step)()
+    except Exception:
+        print("\nThe tour ends here: %s went wrong." % step.replace("_", " "), flush=True)
+        raise
     finally:
         tour.close()
 
