@@ -4,7 +4,6 @@
 #include "platform/Timer.h"
 
 #include <memory>
-#include <utility>
 
 namespace vorrano::platform {
 
@@ -35,12 +34,13 @@ public:
 
     // Like sync(), but runs the task inside the call when the queue is idle, on the main thread too. For a step that
     // calls nobody who may not be called there; where there is somebody, it goes through offMainThread().
-    virtual void syncInPlace(Task task) { sync(std::move(task)); }
+    virtual void syncInPlace(Task task) = 0;
 
     // Only from a task of this queue: runs the given one inside the call on a background thread. On the main thread it
     // leaves it to the background thread that next works on the queue, which does so first; at the latest to one of the
-    // pool two milliseconds later. So nobody is woken for what a reader comes by in time to do. It must not block.
-    virtual void offMainThread(Task task) { task(); }
+    // pool two milliseconds later. So nobody is woken for what a reader comes by in time to do. It must not block. What
+    // is still left when the queue object is dropped does not run.
+    virtual void offMainThread(Task task) = 0;
 
     // A stopped timer whose handler is a task of this queue.
     [[nodiscard]] virtual std::shared_ptr<Timer> makeTimer(TimerSchedule schedule, Task handler) = 0;

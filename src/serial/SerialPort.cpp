@@ -141,6 +141,16 @@ void SerialPort::tell(SerialPortCallback callback, const std::function<void(Seri
     }
 }
 
+SerialError SerialPort::posixError(int code) const { return {code, std::generic_category().message(code), m_path}; }
+
+// Never inside the call, on the main thread neither: for a step of the request queue, which nobody may be called from.
+void SerialPort::postPosixError(int code)
+{
+    post(SerialPortCallback::DidEncounterError, [this, error = posixError(code)](SerialPortDelegate& delegate) {
+        delegate.serialPortDidEncounterError(*this, error);
+    });
+}
+
 void SerialPort::notifyDelegateOfPosixError(int code) { notifyDelegateOfPosixErrorWaitingUntilDone(code, false); }
 
 void SerialPort::notifyDelegateOfPosixErrorWaitingUntilDone(int code, bool waitUntilDone)
@@ -148,8 +158,7 @@ void SerialPort::notifyDelegateOfPosixErrorWaitingUntilDone(int code, bool waitU
     if (!implements(SerialPortCallback::DidEncounterError)) {
         return;
     }
-    const auto deliver = [self = shared_from_this(),
-                          error = SerialError{code, std::generic_category().message(code), m_path}] {
+    const auto deliver = [self = shared_from_this(), error = posixError(code)] {
         self->tell(SerialPortCallback::DidEncounterError,
                    [&](SerialPortDelegate& delegate) { delegate.serialPortDidEncounterError(*self, error); });
     };

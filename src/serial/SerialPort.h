@@ -167,12 +167,15 @@ private:
     void post(SerialPortCallback callback, std::function<void(SerialPortDelegate&)> call);
     void tell(SerialPortCallback callback, const std::function<void(SerialPortDelegate&)>& call) const;
     void notifyDelegateOfPosixError(int code);
+    void postPosixError(int code);
+    [[nodiscard]] SerialError posixError(int code) const;
     void notifyDelegateOfPosixErrorWaitingUntilDone(int code, bool waitUntilDone);
 
     // The line of the open that there is now, or null.
     [[nodiscard]] LinePointer currentLine() const;
     [[nodiscard]] bool isCurrent(const LinePointer& line) const { return currentLine() == line; }
     [[nodiscard]] LinePointer openLine();
+    bool write(const Bytes& data, void (SerialPort::*tellOfError)(int));
     void setUp(const PortLine& line);
     void keepOriginalAttributes(const PortLine& line);
     [[nodiscard]] platform::TerminalAttributes originalAttributes() const;

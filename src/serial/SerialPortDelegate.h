@@ -93,7 +93,8 @@ public:
     // started the request, and that time-out's end took it away again.
     virtual void serialPortRequestDidTimeout(SerialPort& /*port*/, const std::shared_ptr<SerialRequest>& /*request*/) {}
 
-    // What fails in a call made on the main thread is told inside that call.
+    // What fails in open(), close(), sendData() or a setter that was called on the main thread is told inside that
+    // call; a request that could not be written never is.
     virtual void serialPortDidEncounterError(SerialPort& /*port*/, const SerialError& /*error*/) {}
 
     virtual void serialPortWasOpened(SerialPort& /*port*/) {}

@@ -195,14 +195,16 @@ void SerialPort::restoreAttributes(const PortLine& line) const
     m_terminal.setAttributes(line.descriptor(), ApplyAttributes::AfterDrain, originalAttributes());
 }
 
-bool SerialPort::sendData(const Bytes& data)
+bool SerialPort::sendData(const Bytes& data) { return write(data, &SerialPort::notifyDelegateOfPosixError); }
+
+bool SerialPort::write(const Bytes& data, void (SerialPort::*tellOfError)(int))
 {
     const auto line = currentLine();
     auto rest = std::as_bytes(std::span(data));
     while (line && !rest.empty()) {
         const auto written = m_terminal.write(line->descriptor(), rest);
         if (written.failed()) {
-            notifyDelegateOfPosixError(written.error);
+            (this->*tellOfError)(written.error);
             return false;
         }
         rest = rest.subspan(std::min(static_cast<std::size_t>(written.value), rest.size()));

@@ -39,7 +39,7 @@ bool SerialPort::reallySendRequest(std::shared_ptr<SerialRequest> request)
     m_receiveBuffer.clear();
     m_pendingRequest = std::move(request);
     startTimeout(m_pendingRequest->timeoutInterval());
-    if (!sendData(m_pendingRequest->dataToSend())) {
+    if (!write(m_pendingRequest->dataToSend(), &SerialPort::postPosixError)) {
         // It stays pending, and times out.
         return false;
     }

@@ -250,7 +250,7 @@ TEST_F(SerialQueue, RefusesATaskThatWaitsForItsOwnQueueInsteadOfHanging)
     serial->sync([&] { serial->sync([&] { ranInner = true; }); });
 
     EXPECT_FALSE(ranInner);
-    EXPECT_THAT(log.lines(), testing::ElementsAre("Uncaught exception on a background thread: "
+    EXPECT_THAT(log.lines(), testing::ElementsAre("Uncaught exception of a background task: "
                                                   "a task of a serial queue waits for its own queue"));
 }
 

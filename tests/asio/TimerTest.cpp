@@ -203,7 +203,7 @@ TEST_F(Timer, GoesOnAfterAnExceptionOfItsHandler)
     timer->start();
 
     EXPECT_TRUE(eventually([&] { return fired > 2; }));
-    EXPECT_THAT(log.lines(), testing::Contains("Uncaught exception on a background thread: tick"));
+    EXPECT_THAT(log.lines(), testing::Contains("Uncaught exception of a background task: tick"));
 }
 
 TEST_F(Timer, OfASerialQueueFiresAsATaskOfTheQueue)

@@ -68,7 +68,7 @@ SystemResult FakeTerminal::openLine(FakeLine& line)
     if (line.m_heldByAnother || line.isOpen()) {
         return failure(EBUSY);
     }
-    int number = 3;
+    int number = std::exchange(m_nextDescriptor, kFirstDescriptor);
     while (m_descriptors.contains(number)) {
         ++number;
     }

@@ -59,6 +59,9 @@ public:
     // line, and for Open of a path without a line.
     void failNext(TerminalCall call, int error, int times = 1) { m_failures.order(call, error, times); }
 
+    // The next open gives this number, where it is free.
+    void giveNextDescriptor(int number) { m_nextDescriptor = number; }
+
     // Every call since the beginning or forgetCalls(), in order; of these kinds only.
     [[nodiscard]] const std::vector<RecordedCall>& calls() const { return m_calls; }
     [[nodiscard]] std::vector<RecordedCall> calls(std::initializer_list<TerminalCall> kinds) const;
@@ -94,11 +97,14 @@ private:
     static std::vector<std::string> textsOf(const std::vector<RecordedCall>& calls);
     void unwindIfEnded() const;
 
+    static constexpr int kFirstDescriptor = 3;
+
     VirtualTime& m_time;
     std::vector<std::unique_ptr<FakeLine>> m_lines;
     std::map<int, Descriptor> m_descriptors;
     std::vector<RecordedCall> m_calls;
     Failures m_failures;
+    int m_nextDescriptor = kFirstDescriptor;
 };
 
 } // namespace vorrano::support

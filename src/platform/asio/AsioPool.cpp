@@ -156,7 +156,7 @@ bool AsioPool::join(std::optional<std::chrono::nanoseconds> limit)
 void AsioPool::report(const char* what) noexcept
 {
     try {
-        m_log.write(std::string("Uncaught exception on a background thread: ") + what);
+        m_log.write(std::string("Uncaught exception of a background task: ") + what);
     } catch (...) {
         // Nothing is left to tell it to.
     }

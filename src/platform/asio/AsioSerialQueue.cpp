@@ -264,10 +264,13 @@ AsioSerialQueue::AsioSerialQueue(std::shared_ptr<SerialTasks> tasks)
 AsioSerialQueue::~AsioSerialQueue() { m_tasks->endTimers(); }
 
 void AsioSerialQueue::async(platform::Task task) { m_tasks->async(std::move(task)); }
-void AsioSerialQueue::inPlaceOrAsync(platform::Task task) { m_tasks->inPlaceOrAsync(std::move(task)); }
 void AsioSerialQueue::continueOnPool(platform::Task task) { m_tasks->continueOnPool(std::move(task)); }
-void AsioSerialQueue::sync(platform::Task task) { m_tasks->sync(std::move(task)); }
-void AsioSerialQueue::syncInPlace(platform::Task task) { m_tasks->syncInPlace(std::move(task)); }
+
+// A task that runs inside these may drop the queue object, which then holds the tasks no more.
+void AsioSerialQueue::inPlaceOrAsync(platform::Task task) { std::shared_ptr(m_tasks)->inPlaceOrAsync(std::move(task)); }
+void AsioSerialQueue::sync(platform::Task task) { std::shared_ptr(m_tasks)->sync(std::move(task)); }
+void AsioSerialQueue::syncInPlace(platform::Task task) { std::shared_ptr(m_tasks)->syncInPlace(std::move(task)); }
+
 void AsioSerialQueue::offMainThread(platform::Task task) { m_tasks->offMainThread(std::move(task)); }
 
 std::shared_ptr<platform::Timer> AsioSerialQueue::makeTimer(platform::TimerSchedule schedule, platform::Task handler)

@@ -150,7 +150,6 @@ TEST_F(PortClose, LetsNoDataCallbackComeLaterThanOneReaderRoundAndWhatWasQueued)
 {
     openQuietly();
     line.reply("early");
-    world.time.setLateness(0);
     const auto hold = std::make_unique<platform::Subscription>(world.mainQueue.hold());
     world.run();
     port->close();
@@ -158,10 +157,25 @@ TEST_F(PortClose, LetsNoDataCallbackComeLaterThanOneReaderRoundAndWhatWasQueued)
     world.run();
     EXPECT_THAT(delegate->heard(), ElementsAre("data early", "closed"));
 
-    line.reply("late");
     world.advance(1s);
 
     EXPECT_THAT(delegate->heard("data"), ElementsAre("data early"));
+}
+
+TEST_F(PortClose, LeavesBytesUnreadThatCameWhileTheReaderWasHeldUp)
+{
+    openQuietly();
+    line.delayNext(TerminalCall::WaitReadable, 50ms);
+    world.advance(110ms);
+    line.reply("late");
+    world.terminal.forgetCalls();
+    port->close();
+
+    world.advance(1s);
+
+    EXPECT_THAT(world.terminal.callTexts({TerminalCall::Read}), IsEmpty());
+    EXPECT_THAT(delegate->heard("data"), IsEmpty());
+    EXPECT_EQ(world.time.backgroundTasks(), 0U);
 }
 
 TEST_F(PortClose, IsDoneByOneOfTwoAtTheSameTimeTheOtherAnswersYes)

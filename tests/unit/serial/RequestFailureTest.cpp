@@ -39,6 +39,36 @@ TEST_F(RequestFailure, WithoutADelegateGoesOnAllTheSame)
     world.advance(10s);
 }
 
+TEST_F(RequestFailure, OfAWriteIsToldAfterTheSendHasReturned)
+{
+    openQuietly();
+    line.failNext(TerminalCall::Write, EIO);
+
+    EXPECT_FALSE(port->sendRequest(request("1", 2s, endsWith("!"))));
+
+    EXPECT_THAT(delegate->heard(), IsEmpty());
+    world.run();
+    EXPECT_THAT(delegate->heard(), ElementsAre("error 5"));
+}
+
+TEST_F(RequestFailure, OfAWriteLetsTheDelegateSendAgainCloseAndOpenWhenToldOfIt)
+{
+    openQuietly();
+    line.failNext(TerminalCall::Write, EIO);
+    delegate->whenHearing("error 5", [this] {
+        EXPECT_TRUE(port->sendRequest(request("2", 1s, endsWith("!"))));
+        EXPECT_TRUE(port->close());
+        port->open();
+    });
+
+    EXPECT_FALSE(port->sendRequest(request("1", 1s, endsWith("!"))));
+    world.advance(1s);
+
+    EXPECT_THAT(delegate->heard(), ElementsAre("error 5", "closed", "opened", "timeout"));
+    EXPECT_THAT(written(), ElementsAre("2"));
+    EXPECT_THAT(world.log.lines(), IsEmpty());
+}
+
 TEST_F(RequestFailure, SurvivesAnEvaluatorThatThrows)
 {
     openQuietly();

@@ -121,6 +121,21 @@ TEST_F(RequestTimeout, OfLessThanAnyTimeComesAtOnce)
     EXPECT_THAT(delegate->heard(), ElementsAre("timeout"));
 }
 
+// The first response test comes before the time-out, however short the limit and however late the background is.
+TEST_F(RequestTimeout, NeverComesForARequestWithoutEvaluator)
+{
+    openQuietly();
+    world.time.setLateness(1.0);
+    for (int i = 0; i < 100; ++i) {
+        port->sendRequest(SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
+            "1", {}, std::chrono::duration<double>(1e-12), {}));
+        world.advance(5ms);
+    }
+
+    EXPECT_THAT(delegate->heard(), IsEmpty());
+    EXPECT_EQ(written().size(), 100U);
+}
+
 TEST_F(RequestTimeout, IsCancelledByTheResponse)
 {
     openQuietly();
