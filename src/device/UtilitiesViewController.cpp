@@ -27,6 +27,7 @@ constexpr std::size_t kMacPacketLength = 19;
 constexpr std::string_view kZeroLine = "0\n\r";
 constexpr std::string_view kOneLine = "1\n\r";
 constexpr std::string_view kOkLine = "OK\n\r";
+constexpr const char* kWithheld = "(withheld)";
 
 std::optional<std::string_view> unitOfReply(const std::optional<std::string>& reply)
 {
@@ -129,6 +130,7 @@ void UtilitiesViewController::buttonGetSSID(Control& sender)
 
 void UtilitiesViewController::buttonGetNetworkPassword(Control& sender)
 {
+    m_passwordIsOnItsWay = true;
     query(sender, DeviceCommand::ReadPassword, tripleTerminator(kShortestStoredText));
 }
 
@@ -216,10 +218,13 @@ serial::SerialPortCallbacks UtilitiesViewController::callbacks() const
     return {WasRemovedFromSystem, DidReceiveData, DidReceiveResponseToRequest, RequestDidTimeout};
 }
 
-void UtilitiesViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&, const serial::Bytes& response,
-                                                                    const std::shared_ptr<serial::SerialRequest>&)
+void UtilitiesViewController::serialPortDidReceiveResponseToRequest(
+    serial::SerialPort&, const serial::Bytes& response, const std::shared_ptr<serial::SerialRequest>& request)
 {
     receiveResponse(response);
+    if (request->dataToSend() == bytesOf(DeviceCommand::ReadPassword)) {
+        m_passwordIsOnItsWay = false;
+    }
     const bool throttle = queryNumber() == DeviceCommand::ReadThrottle;
     hideAndStopProgressIndicator(nullptr);
     if (throttle) {
@@ -292,6 +297,7 @@ void UtilitiesViewController::displayNetworkConnectivity()
 // The first chunk only begins the gathering; the alert comes with a later one that holds no zero line.
 void UtilitiesViewController::displayGathered(std::optional<std::string>& gathered, std::string_view informativeText)
 {
+    m_passwordWasGathered = m_passwordWasGathered || m_passwordIsOnItsWay;
     if (!gathered) {
         gathered = receivedString();
         forgetReceivedString();
@@ -301,11 +307,12 @@ void UtilitiesViewController::displayGathered(std::optional<std::string>& gather
         *gathered += *chunk;
     }
     if (!chunk || chunk->find(kZeroLine) != std::string::npos) {
-        m_systemLog.write("The string is " + gathered.value_or("(null)"));
+        m_systemLog.write("The string is " + (m_passwordWasGathered ? kWithheld : gathered.value_or("(null)")));
         return;
     }
     displayAlert(gathered, informativeText);
     gathered.reset();
+    m_passwordWasGathered = m_passwordWasGathered && (m_connectivityStatus || m_adcNumber);
 }
 
 void UtilitiesViewController::displayFirmwareVersion()

@@ -69,7 +69,6 @@ public:
 private:
     void connectActions();
     void offerNetworks(const std::vector<std::string>& networks);
-    void enableWepControls(bool wep);
 
     platform::WifiInterface& m_wifi;
     platform::PopUpButton& m_wifiSSIDButton;

@@ -297,6 +297,21 @@ TEST_F(UtilitiesRouting, ReadsAnOlderReplyByTheLaterCommand)
     EXPECT_THAT(alerts(), ElementsAre(alertOf(std::nullopt, ""), alertOf("Power OK\n\r", "Success")));
 }
 
+TEST_F(UtilitiesRouting, KeepsAPasswordThatALaterQueryGathersOutOfTheLog)
+{
+    press("buttonGetNetworkPassword");
+    press("buttonADC");
+
+    reply("sesame\n\n\r");
+    reply("0\n\r");
+    EXPECT_THAT(world.log.lines(), ElementsAre("The string is (withheld)", "The string is (withheld)"));
+    reply("7\n\r");
+    reply("5\n\r");
+
+    EXPECT_THAT(world.log.lines(),
+                ElementsAre("The string is (withheld)", "The string is (withheld)", "The string is 5\n\r"));
+}
+
 TEST_F(UtilitiesRouting, HandlesChunksThatArriveUnderAnAlertAfterItOneByOne)
 {
     press("buttonGetTemperatureUnit");
