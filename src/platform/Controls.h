@@ -72,11 +72,8 @@ public:
     [[nodiscard]] virtual bool isAnimating() const = 0;
 };
 
-class Label : public virtual Control {
-public:
-    [[nodiscard]] virtual std::string text() const = 0;
-    virtual void setText(const std::string& text) = 0;
-};
+// A text of the layout's own.
+class Label : public virtual Control {};
 
 class View;
 

@@ -61,10 +61,6 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.end_headers()
         self.wfile.write(body)
 
-    def path_headers(self, _):
-        """The request's header lines."""
-        self.reply(200, str(self.headers).encode("latin-1"))
-
     def path_status(self, argument):
         """That status, with a page."""
         self.reply(int(argument), b"<html>page</html>")

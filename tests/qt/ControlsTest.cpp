@@ -131,15 +131,6 @@ TEST_F(Controls, HiddenAndEnabledAreTheControlsOwn)
     EXPECT_TRUE(button.isEnabled());
 }
 
-TEST_F(Controls, LabelShowsItsTextPlain)
-{
-    auto& label = view.label("noVorranoConnectedLabel");
-
-    label.setText("<b>Grüße</b> & more");
-
-    EXPECT_EQ(label.text(), "<b>Grüße</b> & more");
-}
-
 TEST_F(Controls, SpinnerIsHiddenAtFirstAndTurnsInTheMiddleOfItsScreen)
 {
     auto& spinner = view.progressIndicator("loginProgressIndicator");

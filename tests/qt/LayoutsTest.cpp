@@ -246,7 +246,8 @@ TEST_F(Layouts, StartsTheWifiScreenWithTheKeyControlsDisabled)
 TEST_F(Layouts, TellsThatNoVorranoIsConnectedInPlainWords)
 {
     for (const auto* const layout : {kRegister, kWifi, kUtilities}) {
-        EXPECT_EQ(layouts.loadView(layout)->label("noVorranoConnectedLabel").text(),
+        const auto view = layouts.loadView(layout);
+        EXPECT_EQ(widget<QLabel>(*view, "noVorranoConnectedLabel").text(),
                   "No Vorrano is connected. Plug it in with its USB cable.");
     }
 }

@@ -118,19 +118,24 @@ INSTANTIATE_TEST_SUITE_P(Each, EndingSignal, ::testing::Values(SIGTERM, SIGINT, 
 
 TEST_F(MainLoop, GivesTheSignalsBackAtItsEnd)
 {
-    struct sigaction now = {};
+    const auto ownHandler = [](int) {};
+    struct sigaction own = {};
+    struct sigaction loops = {};
+    own.sa_handler = ownHandler;
+    sigaction(SIGTERM, &own, &loops);
+    struct sigaction meanwhile = {};
+    struct sigaction after = {};
     {
         support::FakeSystemLog ownLog;
         QtMainQueue ownQueue(ownLog);
         QtGate ownGate(ownQueue);
-        sigaction(SIGTERM, nullptr, &now);
-        const auto before = now.sa_handler;
-        {
-            const QtMainLoop other(ownQueue, ownGate, centre, ownLog);
-        }
-        sigaction(SIGTERM, nullptr, &now);
-        EXPECT_EQ(now.sa_handler, before);
+        const QtMainLoop other(ownQueue, ownGate, centre, ownLog);
+        sigaction(SIGTERM, nullptr, &meanwhile);
     }
+    sigaction(SIGTERM, &loops, &after);
+
+    EXPECT_NE(meanwhile.sa_handler, own.sa_handler);
+    EXPECT_EQ(after.sa_handler, own.sa_handler);
 }
 
 TEST_F(MainLoop, EndsWithAnOpenPanelUp)

@@ -3,7 +3,6 @@
 #include "platform/qt/TabWidget.h"
 
 #include <QAccessible>
-#include <QShortcutEvent>
 #include <QWheelEvent>
 #include <QtTest/QTest>
 
@@ -92,7 +91,6 @@ TEST_F(TabView, TellsOnceOfAChoiceByMnemonicAlsoOfTheTabOnScreen)
 {
     // As a desktop does that puts mnemonics into labels without one.
     bar.setTabText(2, QStringLiteral("&Wifi Setup"));
-    QKeyEvent key(QEvent::KeyPress, Qt::Key_W, Qt::AltModifier, QStringLiteral("w"));
 
     for (int times = 0; times < 2; ++times) {
         QTest::keyClick(&frame(*window), Qt::Key_W, Qt::AltModifier);

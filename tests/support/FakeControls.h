@@ -95,13 +95,7 @@ private:
     bool m_animating = false;
 };
 
-class FakeLabel : public FakeControl, public platform::Label {
-public:
-    [[nodiscard]] std::string text() const override { return content; }
-    void setText(const std::string& text) override { content = text; }
-
-    std::string content;
-};
+class FakeLabel : public FakeControl, public platform::Label {};
 
 class FakeTabView : public FakeControl, public platform::TabView {
 public:

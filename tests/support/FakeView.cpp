@@ -173,12 +173,7 @@ bool FakeView::selectTab(std::string_view tabView, int index)
 
 void FakeView::setTextQuietly(std::string_view control, const std::string& text)
 {
-    const auto known = m_controls.find(control);
-    if (known != m_controls.end() && dynamic_cast<FakeLabel*>(known->second.get()) != nullptr) {
-        obtain<FakeLabel>(control).content = text;
-    } else {
-        obtain<FakeTextField>(control).content = text;
-    }
+    obtain<FakeTextField>(control).content = text;
 }
 
 void FakeView::setItems(std::string_view popUpButton, const std::vector<std::string>& titles)
@@ -197,13 +192,7 @@ void FakeView::setTabs(std::string_view tabView, const std::vector<std::string>&
     });
 }
 
-std::string FakeView::text(std::string_view textFieldOrLabel) const
-{
-    if (const auto* const label = dynamic_cast<const FakeLabel*>(&anyKind(textFieldOrLabel))) {
-        return label->content;
-    }
-    return existing<FakeTextField>(textFieldOrLabel).content;
-}
+std::string FakeView::text(std::string_view textField) const { return existing<FakeTextField>(textField).content; }
 
 bool FakeView::isEnabled(std::string_view control) const { return anyKind(control).isEnabled(); }
 

@@ -46,7 +46,7 @@ public:
     void setTabs(std::string_view tabView, const std::vector<std::string>& labels);
 
     // What is on the screen. A name that nobody has used yet fails the test.
-    [[nodiscard]] std::string text(std::string_view textFieldOrLabel) const;
+    [[nodiscard]] std::string text(std::string_view textField) const;
     [[nodiscard]] bool isEnabled(std::string_view control) const;
     [[nodiscard]] bool isHidden(std::string_view control) const;
     [[nodiscard]] bool isAnimating(std::string_view progressIndicator) const;

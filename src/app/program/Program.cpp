@@ -128,7 +128,6 @@ Composition thisComputer(std::string serviceBaseUrl)
             [](platform::MainQueue& queue, platform::BackgroundQueue& background) {
                 return std::make_unique<linux_platform::NetlinkReachability>(queue, background);
             },
-        .whenLaunched = nullptr,
     };
 }
 
@@ -137,12 +136,7 @@ int run(int argc, char** argv, const Composition& composition)
     occupyStandardStreams();
     Adapters adapters(argc, argv, composition);
     std::optional<shell::VorranoAppDelegate> delegate(std::in_place);
-    const int status = adapters.loop().run([&] {
-        delegate->applicationDidFinishLaunching();
-        if (composition.whenLaunched) {
-            composition.whenLaunched();
-        }
-    });
+    const int status = adapters.loop().run([&] { delegate->applicationDidFinishLaunching(); });
     delegate.reset();
     releaseProcessWideObjects();
     if (!adapters.endBackgroundWork()) {

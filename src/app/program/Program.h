@@ -9,7 +9,6 @@ class BackgroundQueue;
 class DeviceRegistry;
 class MainQueue;
 class NetworkReachability;
-class SystemLog;
 class WifiInterface;
 } // namespace vorrano::platform
 
@@ -24,8 +23,6 @@ struct Composition {
     std::function<std::unique_ptr<platform::WifiInterface>()> makeWifi;
     std::function<std::unique_ptr<platform::NetworkReachability>(platform::MainQueue&, platform::BackgroundQueue&)>
         makeReachability;
-    // Run on the main thread once the first window is up.
-    std::function<void()> whenLaunched;
 };
 
 // This computer's devices, networks and routes.

@@ -4,7 +4,6 @@
 #include "platform/System.h"
 
 #include <memory>
-#include <optional>
 
 namespace vorrano::platform {
 class Alerts;

@@ -20,8 +20,7 @@ inline constexpr std::string_view kDownloadSite = "downloads.vorrano.example";
 
 // The whole address with the UTF-8 bytes escaped that may not stand where they are in an address: blanks, controls,
 // bytes beyond ASCII, the double quote, "<>\^`{|}", and "[]" but in the host. Everything that means something stays,
-// "%",
-// "/", "?", "#" and "&" among it; so a text is to be escaped once only. Any thread.
+// the "%", "/", "?", "#" and "&" among it; so a text is to be escaped once only. Any thread.
 [[nodiscard]] std::string percentEscaped(std::string_view address);
 
 } // namespace vorrano::web

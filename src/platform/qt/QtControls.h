@@ -21,9 +21,6 @@ private:
 class QtLabel final : public QtControl<platform::Label, QLabel> {
 public:
     using QtControl::QtControl;
-
-    [[nodiscard]] std::string text() const override;
-    void setText(const std::string& text) override;
 };
 
 class QtProgressIndicator final : public QtControl<platform::ProgressIndicator, Spinner> {

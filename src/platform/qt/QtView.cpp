@@ -131,14 +131,15 @@ void QtView::connectReveals(QWidget& widget)
             throw LayoutError("There is no field " + name.toStdString() + " whose text can be shown");
         }
         const auto hidden = field->echoMode();
-        QObject::connect(box, &QCheckBox::toggled, field, [this, box, field, hidden](bool shown) {
-            if (m_surroundings.gate.lets(*box)) {
-                field->setEchoMode(shown ? QLineEdit::Normal : hidden);
-                return;
-            }
-            const QSignalBlocker quiet(box);
-            box->setChecked(!shown);
-        });
+        QObject::connect(box, &QCheckBox::toggled, field,
+                         [&gate = m_surroundings.gate, box, field, hidden](bool shown) {
+                             if (gate.lets(*box)) {
+                                 field->setEchoMode(shown ? QLineEdit::Normal : hidden);
+                                 return;
+                             }
+                             const QSignalBlocker quiet(box);
+                             box->setChecked(!shown);
+                         });
     }
 }
 
