@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QScreen>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -15,6 +16,8 @@ namespace vorrano::simulator {
 namespace {
 
 constexpr int kLinesKept = 400;
+constexpr double kColdest = 32;
+constexpr double kHottest = 104;
 constexpr int kWidth = 420;
 constexpr int kWireHeight = 170;
 constexpr int kMargin = 11;
@@ -67,8 +70,7 @@ SimulatorWindow::SimulatorWindow(Simulator& simulator)
 void SimulatorWindow::build()
 {
     m_cable.setMinimumWidth(kCableButtonWidth);
-    m_probe.setRange(32, 104);
-    m_probe.setValue(static_cast<int>(m_simulator.device().memory().fahrenheit));
+    m_probe.setRange(static_cast<int>(kColdest), static_cast<int>(kHottest));
     m_faults.addItems({QStringLiteral("As it should"), QStringLiteral("Not at all"), QStringLiteral("Slowly"),
                        QStringLiteral("Nonsense")});
     m_wire.setReadOnly(true);
@@ -169,6 +171,9 @@ void SimulatorWindow::refresh()
 {
     const bool plugged = m_simulator.isPlugged();
     m_face.display(m_simulator.device(), plugged);
+    // It may have been warmed by somebody else.
+    const QSignalBlocker quiet(&m_probe);
+    m_probe.setValue(static_cast<int>(std::clamp(m_simulator.device().memory().fahrenheit, kColdest, kHottest)));
     m_cable.setText(plugged ? QStringLiteral("Pull the &Cable Out") : QStringLiteral("Plug the &Cable In"));
     m_cable.setAccessibleDescription(plugged ? QStringLiteral("The cable is in") : QStringLiteral("The cable is out"));
 }

@@ -58,6 +58,8 @@ def TheVorranosScreenFollowsWhatItIsTold(world):
 
     vorrano.do("set", unit=1, fahrenheit=50)
     wait_for("the temperature", lambda: face(world, "10.0 \u00b0C"))
+    slider = world.bus.applications("vorrano-simulator")[0].find_all("slider", "Temperature")[0]
+    assert slider.value == 50, slider.value
     vorrano.close()
 
 

@@ -8,6 +8,7 @@ TEXT = "org.a11y.atspi.Text"
 EDITABLE_TEXT = "org.a11y.atspi.EditableText"
 COMPONENT = "org.a11y.atspi.Component"
 SELECTION = "org.a11y.atspi.Selection"
+VALUE = "org.a11y.atspi.Value"
 CALL_MS = 15000
 
 # Bits of an accessible's states, as the bus numbers them.
@@ -133,6 +134,10 @@ class Node:
     @property
     def text(self):
         return self.call(TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))[0]
+
+    @property
+    def value(self):
+        return self._property(VALUE, "CurrentValue")
 
     @property
     def extents(self):
