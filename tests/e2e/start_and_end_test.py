@@ -1,10 +1,13 @@
 """From the first window to the last, and every way to the end."""
 import os
 import signal
+import termios
 
 from harness.firmware import PC_CONNECTED, answer, begin, expect_proceed_question, image_of, wait_for_upload
+from harness.logind import logind
 from harness.screens import TABS, create_account, open_utilities, open_wifi_setup
 from harness.waiting import wait_for
+from harness.world import situation
 
 
 def CancellingTheAgreementLeavesTheLoginAsItWas(world):
@@ -79,14 +82,60 @@ def EndsOnSigtermWithNothingOpen(world):
     assert world.program.end(signal.SIGTERM) == 0
 
 
+@situation(started=False)
 def EndsOnSigtermWithAPortOpenAndRestoresItsSettings(world):
-    before = world.vorrano.state["line"]["baud"]
+    with open_line(world) as line:
+        before = termios.tcgetattr(line)
+    world.start()
     open_wifi_setup(world.program)
     wait_for("the rate", lambda: world.vorrano.state["line"]["baud"] == 9600)
 
     assert world.program.end(signal.SIGTERM) == 0
 
-    assert world.vorrano.state["line"]["baud"] == before != 9600
+    with open_line(world) as line:
+        assert termios.tcgetattr(line) == before
+        assert before[4] != termios.B9600
+
+
+@situation(started=False)
+def GivesTheLineBackWhileTheComputerSleeps(world):
+    with logind(world.folder) as login_manager:
+        world.start({"DBUS_SYSTEM_BUS_ADDRESS": login_manager.address})
+        open_wifi_setup(world.program)
+        wait_for("the line to be open", lambda: holds_the_line(world))
+
+        login_manager.prepare_for_sleep(True)
+        wait_for("the line to be closed", lambda: not holds_the_line(world))
+        login_manager.prepare_for_sleep(False)
+
+        wait_for("the line to be open again", lambda: holds_the_line(world))
+        world.vorrano.forget()
+        world.program.press("Check network name")
+        wait_for("the query", lambda: world.vorrano.received == b"c")
+        world.program.dismiss(world.program.alert())
+
+
+@situation(started=False)
+def ClosesThePortForSleepUnderAnAlertToo(world):
+    with logind(world.folder) as login_manager:
+        world.start({"DBUS_SYSTEM_BUS_ADDRESS": login_manager.address})
+        open_wifi_setup(world.program)
+        wait_for("the line to be open", lambda: holds_the_line(world))
+        world.program.press("Save security type")
+        alert = world.program.alert()
+
+        login_manager.prepare_for_sleep(True)
+
+        wait_for("the line to be closed", lambda: not holds_the_line(world))
+        world.program.dismiss(alert)
+
+
+def open_line(world):
+    return open(world.vorrano.node, "rb", buffering=0, opener=lambda path, _: os.open(path, os.O_RDWR | os.O_NOCTTY))
+
+
+def holds_the_line(world):
+    return world.vorrano.node in world.program.open_files()
 
 
 def EndsOnSigtermWithAnAlertUp(world):
