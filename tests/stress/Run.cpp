@@ -13,7 +13,8 @@ using serial::SerialPortCallback;
 namespace {
 
 constexpr std::size_t kMostUnfinished = 8;
-constexpr Milliseconds kReaderHasLeft(2000);
+// A reader's round is 100 ms; the rest is for a computer that is busy with 64 of them.
+constexpr Milliseconds kReaderHasLeft(400);
 constexpr std::chrono::seconds kPatience(60);
 
 constexpr Milliseconds kLongestLimit(100);

@@ -39,9 +39,9 @@ Step nextStep(Dice& dice, std::size_t port, Milliseconds now)
     if (kind < 35) {
         step.fault = Fault::CloseAndReopen;
         step.lasts = drawTime(dice, 0, 150);
-    } else if (kind < 38) {
+    } else if (kind < 40) {
         step.fault = Fault::CloseForLong;
-        step.lasts = Milliseconds(4000);
+        step.lasts = Milliseconds(1000);
     } else if (kind < 55) {
         step.fault = Fault::FlipFlowControl;
     } else if (kind < 70) {
