@@ -53,7 +53,7 @@ class World:
         self.probe.asks("open", answer="opened")
 
     def arrives(self, what, condition):
-        wait_for("%s, so far: %r" % (what, self.adapter.events), condition, SLOW)
+        wait_for(what + " at the adapter", condition, SLOW)
 
     def close(self):
         status = self.probe.end()
@@ -366,7 +366,8 @@ def passes(case, build):
             world.close()
     except BaseException:
         traceback.print_exc()
-        print("FAIL  %s, heard: %r" % (case.__name__, world.probe.heard), flush=True)
+        print("FAIL  %s" % case.__name__, flush=True)
+        print("heard: %r\narrived: %r" % (world.probe.heard, world.adapter.events), file=sys.stderr)
         return False
     print("ok    " + case.__name__, flush=True)
     return True

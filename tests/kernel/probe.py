@@ -23,13 +23,14 @@ class Probe:
         self._process.stdin.write(" ".join(map(str, words)) + "\n")
 
     def hears(self, line, times=1):
-        wait_for("%r (%d), heard so far: %r" % (line, times, self.heard),
+        wait_for("%r (%d)" % (line, times),
                  lambda: self.heard.count(line) >= times or self._check_that_it_runs(), SLOW)
 
     def asks(self, *words, answer):
         """Tells it something that is answered."""
+        answers = self.heard.count(answer)
         self.do(*words)
-        self.hears(answer, self.heard.count(answer) + 1)
+        self.hears(answer, answers + 1)
 
     @property
     def received(self):
