@@ -6,6 +6,7 @@
 #include <QSslConfiguration>
 #include <QSslKey>
 #include <QSslServer>
+#include <QSslSocket>
 #include <QTcpSocket>
 #include <QTimer>
 
@@ -16,6 +17,7 @@ namespace vorrano::simulator {
 namespace {
 
 constexpr qsizetype kLongestHead = 64 * 1024;
+constexpr qint64 kEndlessAhead = 64 * 1024;
 
 std::string methodOf(const std::string& target)
 {
@@ -49,15 +51,22 @@ void sendWhole(QTcpSocket* socket, const Response& response, const std::string& 
     socket->disconnectFromHost();
 }
 
+// A caller who stops reading stops it, so that it does not fill the memory.
 void sendEndless(QTcpSocket* socket)
 {
     send(socket, headOf({}) + "\r\n");
-    const auto fill = [socket] {
-        if (socket->bytesToWrite() < 65536) {
-            send(socket, std::string(65536, ' '));
+    const auto* const secure = qobject_cast<QSslSocket*>(socket);
+    const auto fill = [socket, secure] {
+        const auto encrypted = secure != nullptr ? secure->encryptedBytesToWrite() : 0;
+        if (socket->bytesToWrite() + encrypted < kEndlessAhead) {
+            send(socket, std::string(static_cast<std::size_t>(kEndlessAhead), ' '));
         }
     };
+    // What is encrypted counts as written; what is sent of it has a signal of its own.
     QObject::connect(socket, &QTcpSocket::bytesWritten, socket, fill);
+    if (secure != nullptr) {
+        QObject::connect(secure, &QSslSocket::encryptedBytesWritten, socket, fill);
+    }
     fill();
 }
 

@@ -7,6 +7,8 @@ import http.client
 import os
 import select
 import socket
+import ssl
+import subprocess
 import sys
 import tempfile
 import termios
@@ -33,6 +35,13 @@ class SimulatorItself(unittest.TestCase):
         # Its end comes while it is being listened to.
         self.assertEqual(self.simulator.stop(), 0)
         self.folder.cleanup()
+
+    def serve_securely(self):
+        files = [os.path.join(self.folder.name, name) for name in ("key", "certificate")]
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj", "/CN=localhost",
+                        "-addext", "subjectAltName=DNS:localhost", "-keyout", files[0], "-out", files[1]], check=True,
+                       capture_output=True)
+        self.simulator.do("serveSecurely", key=files[0], certificate=files[1], port=0)
 
     def read(self):
         """One chunk, or None when none comes within a second."""
@@ -201,6 +210,22 @@ class SimulatorItself(unittest.TestCase):
 
         with urllib.request.urlopen("http://127.0.0.1:%d%s" % (port, ROOT), timeout=5) as response:
             self.assertEqual(len(response.read(1 << 21)), 1 << 21)
+
+    def test_sends_without_end_over_tls_no_faster_than_it_is_read(self):
+        self.serve_securely()
+        self.simulator.do("serviceFault", kind="endless", times=1)
+        port = self.simulator.state["service"]["securePort"]
+        context = ssl.create_default_context(cafile=os.path.join(self.folder.name, "certificate"))
+        with socket.create_connection(("127.0.0.1", port), timeout=5) as plain, \
+                context.wrap_socket(plain, server_hostname="localhost") as caller:
+            caller.sendall(b"GET %s HTTP/1.1\r\n\r\n" % ROOT.encode())
+            self.assertEqual(caller.recv(4), b"HTTP")
+
+            # Nobody reads on, and others are served.
+            self.assertEqual(self.fetch("getAccounts/1"), b'{"data":[]}')
+
+            with caller.makefile("rb") as answer:
+                self.assertEqual(len(answer.read(1 << 21)), 1 << 21)
 
     def test_refuses_connections(self):
         port = self.simulator.state["service"]["port"]

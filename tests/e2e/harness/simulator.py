@@ -94,7 +94,11 @@ class Simulator(Control):
     def stop(self):
         """Gives its exit status."""
         self._process.stdin.close()
-        status = self._process.wait(10)
+        try:
+            status = self._process.wait(10)
+        except subprocess.TimeoutExpired:
+            self._process.kill()
+            raise
         self._process.stdout.close()
         self.close()
         self._listener.join(10)
