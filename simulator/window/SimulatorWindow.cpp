@@ -152,6 +152,9 @@ void SimulatorWindow::heard(const QJsonObject& event)
     using Mode = SimulatedVorrano::Mode;
     const auto mode = m_simulator.device().mode();
     m_wireText.setInBootloader(mode == Mode::Bootloader || mode == Mode::Image);
+    if (mode == Mode::Normal) {
+        m_wireText.setRunning();
+    }
     refresh();
 }
 

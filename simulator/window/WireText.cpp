@@ -1,11 +1,14 @@
 #include "simulator/window/WireText.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace vorrano::simulator {
 namespace {
 
 constexpr std::string_view kMask = "\u2022\u2022\u2022\u2022";
+constexpr std::ptrdiff_t kAccountSegments = 12;
 constexpr std::string_view kRoot = "/VorranoAPI/RestServiceImpl.svc/";
 
 std::string named(char c)
@@ -28,13 +31,16 @@ std::string named(char c)
     return {'<', digits[byte >> 4U], digits[byte & 0xFU], '>'};
 }
 
-// Which segments after the method's name are passwords.
-bool isSecret(std::string_view method, std::size_t segment)
+// Which of `count` segments after the method's name are passwords, or may be a part of one that has a slash in it.
+bool isSecret(std::string_view method, std::size_t segment, std::ptrdiff_t count)
 {
     if (method == "validateLogin") {
         return segment >= 1;
     }
-    return (method == "insertAccount" || method == "getAccounts") && (segment == 2 || segment >= 11);
+    if (method != "insertAccount" && method != "getAccounts") {
+        return false;
+    }
+    return segment == 2 || segment >= 11 || (segment > 2 && count > kAccountSegments);
 }
 
 } // namespace
@@ -91,13 +97,14 @@ std::string WireText::request(std::string_view target)
     }
     const auto path = target.substr(kRoot.size());
     const auto method = path.substr(0, path.find('/'));
+    const auto count = std::count(path.begin(), path.end(), '/');
     std::string text(method);
     std::size_t segment = 0;
     for (auto rest = path.substr(method.size()); !rest.empty(); ++segment) {
         rest.remove_prefix(1);
         const auto value = rest.substr(0, rest.find('/'));
         text += '/';
-        text += isSecret(method, segment) && !value.empty() ? kMask : value;
+        text += isSecret(method, segment, count) && !value.empty() ? kMask : value;
         rest.remove_prefix(value.size());
     }
     return text;

@@ -21,6 +21,9 @@ public:
     // In the bootloader nothing is a secret, and "b" is no key's command.
     void setInBootloader(bool inBootloader) { m_inBootloader = inBootloader; }
 
+    // A restart is over, or there was none: "b" is a key's command.
+    void setRunning() { m_afterReset = false; }
+
     // The cable was pulled: what was under way is over.
     void cablePulled();
 

@@ -56,6 +56,16 @@ TEST(WireText, ShowsAnImage)
     EXPECT_EQ(wire.received("u:99b\r"), "u:99b\\r");
 }
 
+TEST(WireText, MasksAKeyThatIsTheFirstThingAfterARestart)
+{
+    WireText wire;
+    EXPECT_EQ(wire.received("7"), "7");
+    EXPECT_EQ(wire.sent("Up\n\r"), "Up\\n\\r");
+    wire.setRunning();
+
+    EXPECT_EQ(wire.received("bsecret\0"s), "b" + kMask + "\\0");
+}
+
 TEST(WireText, ForgetsAHalfPasswordWhenTheCableIsPulled)
 {
     WireText wire;
@@ -72,6 +82,16 @@ TEST(WireText, MasksThePasswordsOfRequests)
               "insertAccount/ada//" + kMask + "/e/n/a/b/c/s/c/z/" + kMask);
     EXPECT_EQ(WireText::request(kRoot + "getAccounts/12//pw/e/n/a/b/c/s/c/z/g"),
               "getAccounts/12//" + kMask + "/e/n/a/b/c/s/c/z/" + kMask);
+}
+
+TEST(WireText, MasksAllThatMayBePartOfAPasswordWithSlashes)
+{
+    std::string masked = "insertAccount/ada//" + kMask;
+    for (int i = 0; i < 10; ++i) {
+        masked += "/" + kMask;
+    }
+
+    EXPECT_EQ(WireText::request(kRoot + "insertAccount/ada//p/w/e/n/a/b/c/s/c/z/gp"), masked);
 }
 
 TEST(WireText, ShowsOtherRequestsWhole)
