@@ -49,6 +49,18 @@ def ASilentVorranoIsGivenUpAfterTwoSeconds(world):
     assert 2.0 <= waited <= 2.4, waited
 
 
+@situation(program="vorrano-demo", plugged=False, started=False)
+def TheDemoIsOnTheScreenWithinThreeSeconds(world):
+    begun = time.monotonic()
+    world.start()
+    world.program.button("Sign In")
+    wait_for("the Vorrano", lambda: [root for root in world.bus.applications("vorrano-simulator")
+                                     if root.find_all("label", "PC Connected...")])
+
+    waited = time.monotonic() - begun
+    assert waited < 3.0, waited
+
+
 @situation(program="vorrano-setup-loopback")
 def TheWindowStaysAliveWhileTheServiceIsSlow(world):
     world.vorrano.do("serviceFault", kind="slow", delay=5000)
