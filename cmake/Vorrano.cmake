@@ -60,14 +60,15 @@ endfunction()
 
 # vorrano_test(<name> FOLDER <folder below tests/> LIBRARIES <libraries>... [LABELS <labels>...] [LOCK <resource>])
 #
-# All sources of the folder as one test program; each TEST becomes a test of CTest's.
+# All sources of the folder as one test program; each TEST becomes a test of CTest's. The program runs as a whole besides,
+# where the decimal point is a comma.
 function(vorrano_test name)
     cmake_parse_arguments(arg "" "FOLDER;LOCK" "LIBRARIES;LABELS" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${arg_FOLDER}/*.cpp")
     if(NOT sources)
         return()
     endif()
-    add_executable(test_${name} ${sources})
+    add_executable(test_${name} ${sources} "${PROJECT_SOURCE_DIR}/tests/support/locale/Locale.cpp")
     target_link_libraries(test_${name} PRIVATE ${arg_LIBRARIES} vorrano_warnings GTest::gmock GTest::gtest_main)
     target_precompile_headers(test_${name} PRIVATE <gtest/gtest.h> <gmock/gmock.h> <string> <vector> <functional>)
     set(properties TIMEOUT 120)
@@ -79,4 +80,8 @@ function(vorrano_test name)
     endif()
     gtest_discover_tests(test_${name} TEST_PREFIX "${name}." NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                          PROPERTIES ${properties})
+    if(NOT VORRANO_TESTS_LOGIC_ONLY)
+        add_test(NAME german.${name} COMMAND test_${name} --gtest_brief=1)
+        set_tests_properties(german.${name} PROPERTIES ${properties} TIMEOUT 300 ENVIRONMENT LC_ALL=de_DE.UTF-8)
+    endif()
 endfunction()

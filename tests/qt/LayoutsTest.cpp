@@ -209,6 +209,21 @@ INSTANTIATE_TEST_SUITE_P(AllLayouts, EveryLayout,
 
 class Layouts : public support::QtProgram {};
 
+TEST_F(Layouts, FitsAScreenOf1366By768WithAnyTabOnIt)
+{
+    const auto setup = layouts.loadWindow(kSetup);
+    auto& tabs = setup->view()->tabView("setupTabView");
+    int index = 0;
+    for (const auto* const layout : {kAccount, kRegister, kWifi, kUtilities}) {
+        tabs.setView(index++, layouts.loadView(layout));
+    }
+
+    setup->show();
+
+    EXPECT_LE(frame(*setup).width(), 1366);
+    EXPECT_LE(frame(*setup).height(), 768 - 60);
+}
+
 TEST_F(Layouts, RefusesALayoutThatDoesNotExist)
 {
     EXPECT_THROW((void)layouts.loadView("NobodysViewController"), platform::LayoutError);

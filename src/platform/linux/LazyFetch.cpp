@@ -9,17 +9,18 @@ namespace vorrano::linux_platform {
 namespace {
 
 // The module stays loaded: the libraries behind libcurl do not take to being unloaded.
-AbortableFetch* fetchOfModule()
+AbortableFetch* fetchOf(const char* name)
 {
-    void* module = dlopen(kFetchModule, RTLD_NOW | RTLD_LOCAL);
+    void* module = dlopen(name, RTLD_NOW | RTLD_LOCAL);
     void* maker = module == nullptr ? nullptr : dlsym(module, kFetchMaker);
     return maker == nullptr ? nullptr : reinterpret_cast<FetchMaker*>(maker)();
 }
 
 } // namespace
 
-LazyFetch::LazyFetch(platform::SystemLog& log)
+LazyFetch::LazyFetch(platform::SystemLog& log, const char* module)
     : m_log(log)
+    , m_module(module)
 {}
 
 std::optional<std::string> LazyFetch::contentsOfUrl(const std::string& address)
@@ -44,7 +45,7 @@ AbortableFetch* LazyFetch::loaded()
         return nullptr;
     }
     if (!m_fetch) {
-        m_fetch.reset(fetchOfModule());
+        m_fetch.reset(fetchOf(m_module));
         if (!m_fetch) {
             m_log.write("The module for web fetches can't be loaded");
         }

@@ -18,7 +18,7 @@ namespace vorrano::linux_platform {
 // so.
 class LazyFetch final : public AbortableFetch {
 public:
-    explicit LazyFetch(platform::SystemLog& log);
+    explicit LazyFetch(platform::SystemLog& log, const char* module = kFetchModule);
 
     [[nodiscard]] std::optional<std::string> contentsOfUrl(const std::string& address) override;
     void abort() override;
@@ -27,6 +27,7 @@ private:
     [[nodiscard]] AbortableFetch* loaded();
 
     platform::SystemLog& m_log;
+    const char* const m_module;
     std::mutex m_mutex; // of what follows; held while the module is loaded, never during a fetch
     std::unique_ptr<AbortableFetch> m_fetch;
     bool m_aborted = false;

@@ -1,6 +1,7 @@
 #include "unit/serial/SerialPortFixture.h"
 
 #include <cerrno>
+#include <cstring>
 
 #include <sys/ioctl.h>
 
@@ -188,7 +189,7 @@ TEST_F(PortPoll, TellsOfAnUnpluggedDeviceTheErrorThenTheRemovalThenTheClose)
     world.advance(1s);
 
     EXPECT_THAT(delegate->heard(), ElementsAre("error 6", "removed", "closed"));
-    EXPECT_EQ(delegate->errors().front(), (SerialError{ENXIO, "No such device or address", line.path()}));
+    EXPECT_EQ(delegate->errors().front(), (SerialError{ENXIO, std::strerror(ENXIO), line.path()}));
     EXPECT_FALSE(port->isOpen());
 }
 
