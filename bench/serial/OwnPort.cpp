@@ -2,20 +2,15 @@
 
 #include "EchoDevice.h"
 
-#include "platform/NotificationCentre.h"
-#include "platform/Platform.h"
 #include "platform/asio/AsioBackgroundQueue.h"
 #include "platform/linux/LinuxTerminal.h"
 #include "platform/qt/QtMainQueue.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortDelegate.h"
 #include "serial/SerialRequest.h"
-#include "support/FakeAlerts.h"
 #include "support/FakeDeviceRegistry.h"
-#include "support/FakeLayouts.h"
-#include "support/FakeNetwork.h"
 #include "support/FakeSystem.h"
-#include "support/VirtualTime.h"
+#include "support/SerialPlatform.h"
 
 #include <chrono>
 #include <thread>
@@ -98,25 +93,12 @@ private:
     qt::QtMainQueue m_mainQueue{m_log};
     asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log, std::this_thread::get_id()};
 
-    // The rest of a platform, which the serial layer never asks.
+    // The device list's own, which nobody's time goes by.
     support::VirtualTime m_noTime{m_log};
     support::FakeMainQueue m_noQueue{m_noTime};
-    support::FakeLayouts m_layouts{m_noQueue};
-    support::FakeAlerts m_alerts{m_noQueue};
-    support::FakeOpenPanel m_openPanel{m_noQueue};
-    support::FakeWifi m_wifi;
-    support::FakeReachability m_reachability{m_noQueue};
-    support::FakeUrlFetch m_urlFetch{m_noTime};
-    support::FakePause m_pause{m_noQueue};
-    support::FakePowerEvents m_power{m_noTime, m_pause};
-    support::FakeOperatingSystem m_system;
-    platform::NotificationCentre m_notifications;
-
     support::FakeDeviceRegistry m_registry{m_noQueue};
     linux_platform::LinuxTerminal m_terminal{m_registry};
-    platform::Platform m_platform{platform::Ports{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue,
-                                                  m_notifications, m_terminal, m_registry, m_wifi, m_reachability,
-                                                  m_urlFetch, m_power, m_pause, m_log, m_system, ""}};
+    support::SerialPlatform m_platform{m_log, m_mainQueue, m_backgroundQueue, m_terminal, m_registry};
 };
 
 OwnPort::OwnPort(const std::string& node)

@@ -1,17 +1,12 @@
 #pragma once
 
-#include "platform/NotificationCentre.h"
-#include "platform/Platform.h"
 #include "platform/asio/AsioBackgroundQueue.h"
 #include "platform/linux/LinuxTerminal.h"
 #include "serial_pty/rig/MainLoop.h"
 #include "serial_pty/rig/PtyDevices.h"
 #include "serial_pty/rig/RigTerminal.h"
-#include "support/FakeAlerts.h"
-#include "support/FakeLayouts.h"
-#include "support/FakeNetwork.h"
 #include "support/FakeSystem.h"
-#include "support/VirtualTime.h"
+#include "support/SerialPlatform.h"
 
 #include <cstddef>
 #include <thread>
@@ -32,19 +27,6 @@ public:
     PtyDevices devices;
 
 private:
-    // What no serial port asks for.
-    support::VirtualTime m_noTime{log};
-    support::FakeMainQueue m_noQueue{m_noTime};
-    support::FakeLayouts m_layouts{m_noQueue};
-    support::FakeAlerts m_alerts{m_noQueue};
-    support::FakeOpenPanel m_openPanel{m_noQueue};
-    support::FakeWifi m_wifi;
-    support::FakeReachability m_reachability{m_noQueue};
-    support::FakeUrlFetch m_urlFetch{m_noTime};
-    support::FakePause m_pause{m_noQueue};
-    support::FakePowerEvents m_power{m_noTime, m_pause};
-    support::FakeOperatingSystem m_system;
-    platform::NotificationCentre m_notifications;
     linux_platform::LinuxTerminal m_linux{devices};
 
 public:
@@ -53,9 +35,7 @@ public:
     asio_platform::AsioBackgroundQueue background{log, std::this_thread::get_id()};
 
 private:
-    platform::Platform m_platform{platform::Ports{m_layouts, m_alerts, m_openPanel, loop, background, m_notifications,
-                                                  terminal, devices, m_wifi, m_reachability, m_urlFetch, m_power,
-                                                  m_pause, log, m_system, ""}};
+    support::SerialPlatform m_platform{log, loop, background, terminal, devices};
 };
 
 // What this process has: open files, and threads.
