@@ -87,7 +87,9 @@ std::vector<std::size_t> Device::readyLines() const
     const auto count = ::epoll_wait(m_epoll, events.data(), static_cast<int>(events.size()), kLookMilliseconds);
     std::vector<std::size_t> ready;
     for (int at = 0; at < count; ++at) {
-        ready.push_back(events[static_cast<std::size_t>(at)].data.u64);
+        // By value: an epoll_event is packed, and what is in it not aligned.
+        const std::size_t port = events[static_cast<std::size_t>(at)].data.u64;
+        ready.push_back(port);
     }
     return ready;
 }
