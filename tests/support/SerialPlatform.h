@@ -15,9 +15,8 @@ namespace vorrano::support {
 // Lifetime: ends before what it was given.
 class SerialPlatform {
 public:
-    SerialPlatform(platform::SystemLog& log, platform::MainQueue& mainQueue,
-                   platform::BackgroundQueue& backgroundQueue, platform::Terminal& terminal,
-                   platform::DeviceRegistry& devices)
+    SerialPlatform(platform::SystemLog& log, platform::MainQueue& mainQueue, platform::BackgroundQueue& backgroundQueue,
+                   platform::Terminal& terminal, platform::DeviceRegistry& devices)
         : m_noTime(log)
         , m_platform(platform::Ports{m_layouts, m_alerts, m_openPanel, mainQueue, backgroundQueue, notifications,
                                      terminal, devices, m_wifi, m_reachability, m_urlFetch, m_power, m_pause, log,
