@@ -130,7 +130,7 @@ void UtilitiesViewController::buttonGetSSID(Control& sender)
 
 void UtilitiesViewController::buttonGetNetworkPassword(Control& sender)
 {
-    m_passwordIsOnItsWay = true;
+    m_passwordsOnTheirWay += serialPort() ? 1 : 0;
     query(sender, DeviceCommand::ReadPassword, tripleTerminator(kShortestStoredText));
 }
 
@@ -223,7 +223,7 @@ void UtilitiesViewController::serialPortDidReceiveResponseToRequest(
 {
     receiveResponse(response);
     if (request->dataToSend() == bytesOf(DeviceCommand::ReadPassword)) {
-        m_passwordIsOnItsWay = false;
+        --m_passwordsOnTheirWay;
     }
     const bool throttle = queryNumber() == DeviceCommand::ReadThrottle;
     hideAndStopProgressIndicator(nullptr);
@@ -297,7 +297,7 @@ void UtilitiesViewController::displayNetworkConnectivity()
 // The first chunk only begins the gathering; the alert comes with a later one that holds no zero line.
 void UtilitiesViewController::displayGathered(std::optional<std::string>& gathered, std::string_view informativeText)
 {
-    m_passwordWasGathered = m_passwordWasGathered || m_passwordIsOnItsWay;
+    m_passwordWasGathered = m_passwordWasGathered || m_passwordsOnTheirWay > 0;
     if (!gathered) {
         gathered = receivedString();
         forgetReceivedString();

@@ -98,9 +98,9 @@ private:
     FirmwareUpdate m_firmwareUpdate;
     std::optional<std::string> m_connectivityStatus;
     std::optional<std::string> m_adcNumber;
-    // The stored password was asked for and has not come; a query pressed meanwhile takes it for its own answer. What
-    // was gathered then stays out of the log.
-    bool m_passwordIsOnItsWay = false;
+    // How often the stored password was asked for and has not come; a query pressed meanwhile takes it for its own
+    // answer. What was gathered then stays out of the log.
+    int m_passwordsOnTheirWay = 0;
     bool m_passwordWasGathered = false;
 };
 

@@ -312,6 +312,33 @@ TEST_F(UtilitiesRouting, KeepsAPasswordThatALaterQueryGathersOutOfTheLog)
                 ElementsAre("The string is (withheld)", "The string is (withheld)", "The string is 5\n\r"));
 }
 
+TEST_F(UtilitiesRouting, KeepsThePasswordThatWasAskedForTwiceOutOfTheLog)
+{
+    press("buttonGetNetworkPassword");
+    press("buttonGetNetworkPassword");
+    reply("sesame\n\n\r");
+    press("buttonADC");
+
+    reply("sesame\n\n\r");
+
+    EXPECT_THAT(world.log.lines(), ElementsAre("The string is (withheld)"));
+}
+
+TEST_F(UtilitiesRouting, LogsAnAnswerWholeWhenAPasswordWasAskedForWithoutAPort)
+{
+    world.unplug(line());
+    world.run();
+    press("buttonGetNetworkPassword");
+    world.advance(10s);
+
+    world.plugVorrano();
+    world.run();
+    press("buttonADC");
+    reply("V1.4");
+
+    EXPECT_THAT(world.log.lines(), ElementsAre("The string is V1.4"));
+}
+
 TEST_F(UtilitiesRouting, HandlesChunksThatArriveUnderAnAlertAfterItOneByOne)
 {
     press("buttonGetTemperatureUnit");
