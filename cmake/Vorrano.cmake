@@ -58,19 +58,27 @@ function(vorrano_library name)
     target_link_libraries(vorrano_${name} ${visible} ${arg_PUBLIC})
 endfunction()
 
-# vorrano_test(<name> FOLDER <folder below tests/> LIBRARIES <libraries>... [LABELS <labels>...] [LOCK <resource>])
+set(VORRANO_TEST_LOCALE "${PROJECT_SOURCE_DIR}/tests/support/locale/Locale.cpp")
+set(VORRANO_TEST_HEADERS <gtest/gtest.h> <gmock/gmock.h> <string> <vector> <functional>)
+
+# vorrano_test(<name> FOLDER <folder below tests/> LIBRARIES <libraries>... [LABELS <labels>...] [LOCK <resource>] [QT])
 #
+# QT: one that links Qt, and so can't share the others' precompiled headers.
 # All sources of the folder as one test program; each TEST becomes a test of CTest's. The program runs as a whole besides,
 # where the decimal point is a comma.
 function(vorrano_test name)
-    cmake_parse_arguments(arg "" "FOLDER;LOCK" "LIBRARIES;LABELS" ${ARGN})
+    cmake_parse_arguments(arg "QT" "FOLDER;LOCK" "LIBRARIES;LABELS" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${arg_FOLDER}/*.cpp")
     if(NOT sources)
         return()
     endif()
-    add_executable(test_${name} ${sources} "${PROJECT_SOURCE_DIR}/tests/support/locale/Locale.cpp")
+    add_executable(test_${name} ${sources} "${VORRANO_TEST_LOCALE}")
     target_link_libraries(test_${name} PRIVATE ${arg_LIBRARIES} vorrano_warnings GTest::gmock GTest::gtest_main)
-    target_precompile_headers(test_${name} PRIVATE <gtest/gtest.h> <gmock/gmock.h> <string> <vector> <functional>)
+    if(arg_QT)
+        target_precompile_headers(test_${name} PRIVATE ${VORRANO_TEST_HEADERS})
+    else()
+        target_precompile_headers(test_${name} REUSE_FROM vorrano_test_headers)
+    endif()
     set(properties TIMEOUT 120)
     if(arg_LABELS)
         list(APPEND properties LABELS "${arg_LABELS}")
