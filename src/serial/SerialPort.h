@@ -38,11 +38,11 @@ class PortLine;
 //
 // Threads: creation, the delegate and device handles on the main thread; everything else on any, sendRequest() not on
 // the port's own request queue. Every callback of the delegate comes on the main thread. open(), close(), sendData()
-// and the setters do their system calls on the caller's thread. Of two closes, or two opens, at the same time one does
-// the work; the other returns at once. Lifetime: kept by its holders, by the manager's list and, while it is open, by
-// its reader: an open port is not destroyed. Any thread may drop the last reference; the port then calls nobody,
-// whatever its requests still waited for. Errors: none is thrown. A failed system call is told to the delegate, once;
-// nothing is tried again.
+// and the setters do their system calls on the caller's thread, sendRequest() too when nothing is under way. Of two
+// closes, or two opens, at the same time one does the work; the other returns at once. Lifetime: kept by its holders,
+// by the manager's list and, while it is open, by its reader: an open port is not destroyed. Any thread may drop the
+// last reference; the port then calls nobody, whatever its requests still waited for. Errors: none is thrown. A failed
+// system call is told to the delegate, once; nothing is tried again.
 class SerialPort : public std::enable_shared_from_this<SerialPort> {
 public:
     // Null when no present device has the path as its callout or its dial-in path.

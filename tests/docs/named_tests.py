@@ -8,9 +8,8 @@ import re
 import sys
 
 # Suites about a part of the layer's own that nobody outside relies on.
-INNER = {"ObserverList", "ObserverListOfText", "WrittenOptionsWithoutParity", "Request", "CallbackContext",
-         "PortManagerCallbacks", "PortManagerWithoutRemovals", "RequestWithALongLimit", "PortReaderIgnores", "SilentFailureAtOpen", "SilentFailureAtClose",
-         "FailureOfModemLines", "FailureToDriveALine", "FailureToWait"}
+INNER = {"ObserverListOfText", "WrittenOptionsWithoutParity", "Request", "PortManagerCallbacks",
+         "PortManagerWithoutRemovals", "RequestWithALongLimit"}
 
 
 def suites(folder):
@@ -27,11 +26,11 @@ def main():
         cells = [cell.strip() for cell in line.split("|")]
         if len(cells) == 5 and cells[3].startswith("`"):
             named.update(re.findall(r"`(\w+)`", cells[3]))
-    unknown = named - suites(root / "tests")
+    unknown = (named | INNER) - suites(root / "tests")
     unnamed = suites(root / "tests" / "unit" / "serial") | suites(root / "tests" / "serial_pty")
     unnamed -= named | INNER
     for suite in sorted(unknown):
-        print(f"docs/serial.md names {suite}, which is no suite of tests", file=sys.stderr)
+        print(f"{suite} is named, which is no suite of tests", file=sys.stderr)
     for suite in sorted(unnamed):
         print(f"docs/serial.md does not name {suite}", file=sys.stderr)
     if not named:

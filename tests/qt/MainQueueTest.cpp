@@ -210,25 +210,6 @@ TEST_F(MainQueue, DrainingLetsWaitersGo)
     EXPECT_EQ(answered, words.size() == 1);
 }
 
-TEST(MainQueueAlone, LetsWhoeverWaitsGoWhenItIsDestroyed)
-{
-    support::FakeSystemLog log;
-    auto queue = std::make_unique<QtMainQueue>(log);
-    auto hold = queue->hold();
-    const auto held = std::make_shared<int>(1);
-    std::atomic<bool> answered = true;
-    std::thread other([&, task = [held] {}] { answered = queue->sync(task); });
-    // The thread's own copy, the task's and this one: the task has been handed in.
-    while (held.use_count() < 3) {
-        std::this_thread::yield();
-    }
-
-    queue.reset();
-    other.join();
-
-    EXPECT_FALSE(answered);
-}
-
 TEST(MainQueueAlone, DropsItsTasksWhenItIsDestroyed)
 {
     support::FakeSystemLog log;

@@ -204,7 +204,7 @@ void Run::closeForLong(const Step& step)
     line.shallBeOpen = false;
     line.port->close();
     later(step.at + kReaderHasLeft, [this, &line, closed = Clock::now()] {
-        if (Clock::now() - closed >= kReaderHasLeft / 2) {
+        if (Clock::now() - closed >= kReaderHasLeft) {
             m_world.loop.async([&line] { line.ledger->setQuiet(true); });
         }
     });

@@ -51,7 +51,7 @@ TEST_F(RequestQueue, HasWrittenTheRequestWhenTheSendReturns)
     EXPECT_EQ(line.written(), "3");
 }
 
-TEST_F(RequestQueue, WritesInsideTheCallWhenItIsIdleAndWakesNoThreadForIt)
+TEST_F(RequestQueue, WritesInsideTheCallWhenItIsIdle)
 {
     openQuietly();
 
