@@ -276,12 +276,15 @@ void Run::stopSenders()
     m_senders.clear();
 }
 
-// Every request has its limit, so that nothing is under way any more once a second has passed without an end. Those
+// Every request has its limit, so that nothing is under way any more once two seconds have passed without an end. Those
 // that were cleared away never end; that each of them had its reason is checked at the close.
 bool Run::letTheQueuesDrain()
 {
+    // Of looks as well as of time: where the whole computer stood still, nobody had the time to end anything.
+    constexpr int kLooks = 1000;
     std::size_t last = 0;
     auto since = Clock::now();
+    int looks = 0;
     return m_world.loop.runUntil([&] {
         runDue(Milliseconds::max());
         std::size_t unfinished = 0;
@@ -290,8 +293,9 @@ bool Run::letTheQueuesDrain()
         }
         if (std::exchange(last, unfinished) != unfinished) {
             since = Clock::now();
+            looks = 0;
         }
-        return m_due.empty() && Clock::now() - since > kLongestLimit * 10;
+        return m_due.empty() && ++looks > kLooks && Clock::now() - since > kLongestLimit * 20;
     });
 }
 
