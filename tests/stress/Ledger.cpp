@@ -185,8 +185,7 @@ Tally Ledger::close()
     // Whoever was cleared away was so by the deferred step of a time-out whose request had been answered meanwhile, or
     // of one that came without a request: by the timer of somebody who was cleared away before.
     m_tally.cleared = unfinished;
-    // One may still have been pending when the run was over.
-    if (unfinished > m_tally.both + m_tally.timeoutsOfNone + 1 || m_tally.timeoutsOfNone > unfinished) {
+    if (unfinished > m_tally.both + m_tally.timeoutsOfNone || m_tally.timeoutsOfNone > unfinished) {
         m_breaches.push_back(m_name + ": " + std::to_string(unfinished) + " requests without an end, " +
                              std::to_string(m_tally.both) + " late replies, " + std::to_string(m_tally.timeoutsOfNone) +
                              " time-outs without a request");

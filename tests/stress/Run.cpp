@@ -97,6 +97,8 @@ std::vector<std::string> Run::go()
     if (!letTheQueuesDrain()) {
         breaches.emplace_back("the queues do not drain");
     }
+    const auto stuck = portsThatStandStill();
+    breaches.insert(breaches.end(), stuck.begin(), stuck.end());
     for (auto& line : m_lines) {
         if (!line.port->close()) {
             breaches.push_back(line.port->path() + " does not close");
@@ -297,6 +299,26 @@ bool Run::letTheQueuesDrain()
         }
         return m_due.empty() && ++looks > kLooks && Clock::now() - since > kLongestLimit * 20;
     });
+}
+
+// One more request for each port has to come to its end: behind one that is pending for ever it would not.
+std::vector<std::string> Run::portsThatStandStill()
+{
+    std::vector<std::size_t> before;
+    for (std::size_t at = 0; at < m_lines.size(); ++at) {
+        before.push_back(m_lines[at].ledger->unfinished());
+        send(0, at, 0);
+    }
+    std::vector<std::string> stuck;
+    if (!letTheQueuesDrain()) {
+        stuck.emplace_back("the queues do not drain at the end");
+    }
+    for (std::size_t at = 0; at < m_lines.size(); ++at) {
+        if (m_lines[at].ledger->unfinished() > before[at]) {
+            stuck.push_back(m_lines[at].port->path() + " stands still");
+        }
+    }
+    return stuck;
 }
 
 void Run::report(const Tally& tally, std::uint64_t print) const

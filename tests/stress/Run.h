@@ -63,6 +63,7 @@ private:
     void sendUntilTheEnd(std::size_t sender);
     void stopSenders();
     bool letTheQueuesDrain();
+    [[nodiscard]] std::vector<std::string> portsThatStandStill();
     void report(const Tally& tally, std::uint64_t print) const;
 
     const Order m_order;
