@@ -3,7 +3,7 @@
 #include "EchoDevice.h"
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxTerminal.h"
+#include "platform/posix/LinuxTerminal.h"
 #include "platform/qt/QtMainQueue.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortDelegate.h"

@@ -1,15 +1,14 @@
 #include "cloud/AccountInfoViewController.h"
 
-#include "app/session/GlobalVariables.h"
-#include "app/session/TextScreening.h"
 #include "cloud/AccountTexts.h"
 #include "cloud/CloudAlerts.h"
-#include "cloud/ServiceRequests.h"
-#include "cloud/web/Reachability.h"
-#include "cloud/web/ServiceAddress.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
 #include "platform/System.h"
+#include "session/GlobalVariables.h"
+#include "session/TextScreening.h"
+#include "web/Reachability.h"
+#include "web/ServiceAddress.h"
 
 #include <exception>
 
@@ -88,7 +87,7 @@ void AccountInfoViewController::awakeFromNib()
 void AccountInfoViewController::requestAccountInfo()
 {
     m_accountID.setEnabled(false);
-    m_webCall.fetch(accountAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID()),
+    m_webCall.fetch(web::accountAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID()),
                     [self = shared_from_this()](const web::Reply& reply) { self->updateViewWithAccountInfo(reply); });
 }
 
@@ -142,8 +141,8 @@ void AccountInfoViewController::saveButton(Control&)
     }
     const bool isNewAccount = GlobalVariables::getUserIsLoggedIn() == "0";
     auto address = isNewAccount
-                       ? newAccountAddress(web::serviceRoot(), entered)
-                       : accountUpdateAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(), entered);
+                       ? web::newAccountAddress(web::serviceRoot(), entered)
+                       : web::accountUpdateAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(), entered);
     m_webCall.fetch(std::move(address),
                     [self = shared_from_this()](const web::Reply& reply) { self->updateUIWithDictionary(reply); });
 }

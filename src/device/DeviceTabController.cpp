@@ -1,12 +1,12 @@
 #include "device/DeviceTabController.h"
 
-#include "app/session/Text.h"
 #include "device/DeviceTexts.h"
 #include "platform/Alerts.h"
 #include "platform/NotificationCentre.h"
 #include "platform/Platform.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <any>

@@ -1,8 +1,5 @@
 #include "device/FirmwareUpdate.h"
 
-#include "app/session/Text.h"
-#include "cloud/web/Reply.h"
-#include "cloud/web/ServiceAddress.h"
 #include "device/DeviceTabController.h"
 #include "device/DeviceTexts.h"
 #include "device/FirmwareImage.h"
@@ -14,6 +11,9 @@
 #include "platform/Platform.h"
 #include "platform/System.h"
 #include "platform/UrlFetch.h"
+#include "text/Text.h"
+#include "web/Reply.h"
+#include "web/ServiceAddress.h"
 
 #include <exception>
 #include <utility>
@@ -104,7 +104,7 @@ void FirmwareUpdate::checkLatestFirmware(std::string_view deviceVersion)
 
 void FirmwareUpdate::fetchLatestFirmware(std::int32_t whole)
 {
-    m_backgroundQueue.async([address = latestFirmwareAddress(web::serviceRoot(), whole), data = m_data,
+    m_backgroundQueue.async([address = web::latestFirmwareAddress(web::serviceRoot(), whole), data = m_data,
                              &urlFetch = m_urlFetch, &mainQueue = m_mainQueue] {
         const auto body = urlFetch.contentsOfUrl(address);
         // Parsed, but an answer that is no JSON counts as much: the version stands at a fixed place of its text.

@@ -1,12 +1,12 @@
 #include "device/UtilitiesViewController.h"
 
-#include "app/session/Text.h"
 #include "device/DeviceTexts.h"
 #include "device/NetworkInput.h"
 #include "device/UtilitiesTexts.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
 #include "platform/System.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <exception>

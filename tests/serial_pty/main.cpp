@@ -1,4 +1,4 @@
-#include "platform/linux/LinuxTerminal.h"
+#include "platform/posix/LinuxTerminal.h"
 #include "serial_pty/rig/PtyDevices.h"
 
 #include <string_view>

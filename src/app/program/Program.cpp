@@ -1,19 +1,18 @@
 #include "app/program/Program.h"
 
-#include "app/session/GlobalVariables.h"
 #include "app/shell/VorranoAppDelegate.h"
 #include "cloud/LoginViewController.h"
 #include "platform/NotificationCentre.h"
 #include "platform/Platform.h"
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LazyFetch.h"
-#include "platform/linux/LinuxOperatingSystem.h"
-#include "platform/linux/LinuxSystemLog.h"
-#include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/LogindPowerEvents.h"
 #include "platform/linux/NetlinkReachability.h"
 #include "platform/linux/NetworkManagerWifi.h"
 #include "platform/linux/UdevDeviceRegistry.h"
+#include "platform/posix/LazyFetch.h"
+#include "platform/posix/LinuxOperatingSystem.h"
+#include "platform/posix/LinuxSystemLog.h"
+#include "platform/posix/LinuxTerminal.h"
 #include "platform/qt/QtAlerts.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtGate.h"
@@ -23,6 +22,7 @@
 #include "platform/qt/QtOpenPanel.h"
 #include "platform/qt/QtPause.h"
 #include "serial/SerialPortManager.h"
+#include "session/GlobalVariables.h"
 
 #include <chrono>
 #include <cstdlib>

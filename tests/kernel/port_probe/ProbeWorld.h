@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxSystemLog.h"
-#include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/UdevDeviceRegistry.h"
+#include "platform/posix/LinuxSystemLog.h"
+#include "platform/posix/LinuxTerminal.h"
 #include "platform/qt/QtMainQueue.h"
 #include "support/SerialPlatform.h"
 

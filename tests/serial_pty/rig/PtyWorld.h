@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxTerminal.h"
+#include "platform/posix/LinuxTerminal.h"
 #include "serial_pty/rig/MainLoop.h"
 #include "serial_pty/rig/PtyDevices.h"
 #include "serial_pty/rig/RigTerminal.h"

@@ -1,0 +1,189 @@
+#include "platform/posix/LinuxTerminal.h"
+
+#include "platform/posix/LinuxTerminalSpeeds.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <system_error>
+#include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace vorrano::linux_platform {
+
+using platform::SystemResult;
+
+namespace {
+
+SystemResult resultOf(ssize_t returned)
+{
+    const int value = static_cast<int>(returned);
+    return {value, returned < 0 ? errno : 0};
+}
+
+SystemResult failureWith(int error) { return {-1, error}; }
+
+// A length that a result can hold.
+std::size_t limited(std::size_t length) { return std::min<std::size_t>(length, INT_MAX); }
+
+// Takes the open line for this opener alone; 0 or the errno of the refusal.
+int takeForOneself(int descriptor)
+{
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        return errno == EWOULDBLOCK ? EBUSY : errno;
+    }
+    // Some drivers, and what stands in for a terminal in a test, know no such request; the lock does then.
+    if (::ioctl(descriptor, TIOCEXCL) != 0 && errno != ENOTTY && errno != EINVAL) {
+        return errno;
+    }
+    return 0;
+}
+
+// Both fail on a line that is gone, which nobody can open anyway.
+void giveToOthers(int descriptor)
+{
+    ::ioctl(descriptor, TIOCNXCL);
+    ::flock(descriptor, LOCK_UN);
+}
+
+} // namespace
+
+LinuxTerminal::LinuxTerminal(const platform::DeviceRegistry& registry)
+    : m_registry(registry)
+    , m_null(::open("/dev/null", O_RDWR | O_CLOEXEC))
+{
+    if (m_null < 0) {
+        throw std::system_error(errno, std::generic_category(), "/dev/null");
+    }
+}
+
+LinuxTerminal::~LinuxTerminal() { ::close(m_null); }
+
+SystemResult LinuxTerminal::open(const std::string& path)
+{
+    const auto node = m_registry.nodeOfCalloutPath(path);
+    if (!node) {
+        return failureWith(ENOENT);
+    }
+    const int descriptor = ::open(node->c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return resultOf(descriptor);
+    }
+    if (const int refusal = takeForOneself(descriptor); refusal != 0) {
+        ::close(descriptor);
+        return failureWith(refusal);
+    }
+    return {descriptor, 0};
+}
+
+SystemResult LinuxTerminal::setStatusFlags(int descriptor, int flags)
+{
+    return resultOf(::fcntl(descriptor, F_SETFL, flags));
+}
+
+SystemResult LinuxTerminal::attributes(int descriptor, platform::TerminalAttributes& into)
+{
+    platform::TerminalAttributes read;
+    if (const auto result = resultOf(::tcgetattr(descriptor, &read.record)); result.failed()) {
+        return result;
+    }
+    if (saysCustomSpeed(read.record)) {
+        KernelSettings settings;
+        if (const int error = readKernelSettings(descriptor, settings); error != 0) {
+            return failureWith(error);
+        }
+        read.customSpeed = settings.speed;
+    }
+    into = read;
+    return {};
+}
+
+SystemResult LinuxTerminal::setAttributes(int descriptor, platform::ApplyAttributes when,
+                                          const platform::TerminalAttributes& attributes)
+{
+    const bool drained = when == platform::ApplyAttributes::AfterDrain;
+    if (!attributes.customSpeed) {
+        return resultOf(::tcsetattr(descriptor, drained ? TCSADRAIN : TCSANOW, &attributes.record));
+    }
+    const auto settings = kernelSettings(attributes);
+    const int error = drained ? applyAfterDrain(descriptor, settings) : applyNow(descriptor, settings);
+    return error == 0 ? SystemResult{} : failureWith(error);
+}
+
+SystemResult LinuxTerminal::setSpeed(platform::TerminalAttributes& attributes, std::uint64_t baud)
+{
+    if (const auto speed = standardSpeed(baud)) {
+        attributes.customSpeed.reset();
+        return resultOf(::cfsetspeed(&attributes.record, *speed));
+    }
+    if (baud > UINT32_MAX) {
+        return failureWith(EINVAL);
+    }
+    attributes.customSpeed = baud;
+    return {};
+}
+
+SystemResult LinuxTerminal::modemLines(int descriptor)
+{
+    int lines = 0;
+    if (::ioctl(descriptor, TIOCMGET, &lines) == 0) {
+        return {lines, 0};
+    }
+    // What the kernel answers once the adapter has been pulled.
+    return failureWith(errno == EIO || errno == ENODEV ? ENXIO : errno);
+}
+
+SystemResult LinuxTerminal::setModemLines(int descriptor, int lines)
+{
+    return resultOf(::ioctl(descriptor, TIOCMSET, &lines));
+}
+
+SystemResult LinuxTerminal::waitReadable(int descriptor, std::chrono::microseconds limit)
+{
+    const auto whole = std::max(limit, std::chrono::microseconds(0));
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(whole);
+    const std::chrono::nanoseconds rest = whole - seconds;
+    const timespec time{seconds.count(), rest.count()};
+    pollfd waited{descriptor, POLLIN, 0};
+    const auto result = resultOf(::ppoll(&waited, 1, &time, nullptr));
+    if (result.value > 0 && (waited.revents & POLLNVAL) != 0) {
+        return failureWith(EBADF);
+    }
+    return result;
+}
+
+void LinuxTerminal::wait(std::chrono::microseconds duration) { std::this_thread::sleep_for(duration); }
+
+SystemResult LinuxTerminal::read(int descriptor, std::span<std::byte> into)
+{
+    return resultOf(::read(descriptor, into.data(), limited(into.size())));
+}
+
+SystemResult LinuxTerminal::write(int descriptor, std::span<const std::byte> bytes)
+{
+    return resultOf(::write(descriptor, bytes.data(), limited(bytes.size())));
+}
+
+SystemResult LinuxTerminal::close(int descriptor)
+{
+    // Putting /dev/null over a number that is not open would open it.
+    if (::fcntl(descriptor, F_GETFD) < 0) {
+        return failureWith(errno);
+    }
+    giveToOthers(descriptor);
+    if (::dup3(m_null, descriptor, O_CLOEXEC) < 0) {
+        const int error = errno;
+        takeForOneself(descriptor);
+        return failureWith(error);
+    }
+    return {};
+}
+
+void LinuxTerminal::release(int descriptor) { ::close(descriptor); }
+
+} // namespace vorrano::linux_platform
