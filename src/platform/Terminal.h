@@ -59,9 +59,8 @@ public:
     // Waits until the descriptor is readable: 1, or 0 when the time is over.
     virtual SystemResult waitReadable(int descriptor, std::chrono::microseconds limit) = 0;
 
-    // Lets that much time pass, nothing more: for who would otherwise ask a hung-up line, readable for ever, again and
-    // again.
-    virtual void wait(std::chrono::microseconds duration) = 0;
+    // Sleeps for `duration`, up to `leeway` longer: the computer may put the end together with other wake-ups.
+    virtual void wait(std::chrono::microseconds duration, std::chrono::microseconds leeway) = 0;
 
     // At most into.size() bytes; 0 when the line has been hung up.
     virtual SystemResult read(int descriptor, std::span<std::byte> into) = 0;

@@ -14,9 +14,6 @@ using support::eventually;
 using support::Gate;
 using support::threadCount;
 
-// Free threads that stay.
-constexpr int kBase = 2;
-
 class BackgroundQueue : public support::QueueTest {};
 
 TEST_F(BackgroundQueue, RunsATaskOnAThreadOfItsOwn)
@@ -65,47 +62,6 @@ TEST_F(BackgroundQueue, GivesATaskThatATaskHandsInAThreadToo)
     EXPECT_EQ(depth, 20);
 }
 
-TEST_F(BackgroundQueue, LetsItsSurplusThreadsGo)
-{
-    const int before = threadCount();
-    Gate gate;
-    std::atomic<int> blocked = 0;
-    for (int i = 0; i < 40; ++i) {
-        queue->async([&] {
-            ++blocked;
-            gate.wait();
-        });
-    }
-    ASSERT_TRUE(eventually([&] { return blocked == 40; }));
-    ASSERT_GE(threadCount(), before + 40);
-
-    gate.open();
-
-    EXPECT_TRUE(eventually([&] { return threadCount() <= before + kBase; }));
-}
-
-TEST_F(BackgroundQueue, StillRunsTasksAfterItsSurplusThreadsHaveLeft)
-{
-    const int before = threadCount();
-    std::latch allThere(20);
-    for (int i = 0; i < 20; ++i) {
-        queue->async([&] { allThere.arrive_and_wait(); });
-    }
-    allThere.wait();
-    ASSERT_TRUE(eventually([&] { return threadCount() <= before + kBase; }));
-
-    std::latch again(20);
-    std::atomic<int> done = 0;
-    for (int i = 0; i < 20; ++i) {
-        queue->async([&] {
-            again.arrive_and_wait();
-            ++done;
-        });
-    }
-
-    EXPECT_TRUE(eventually([&] { return done == 20; }));
-}
-
 TEST_F(BackgroundQueue, BlocksAllSignalsOnItsThreads)
 {
     sigset_t mask;
@@ -124,7 +80,7 @@ TEST_F(BackgroundQueue, LeavesTheCallersSignalMaskAsItWas)
     sigset_t after;
     pthread_sigmask(SIG_SETMASK, nullptr, &before);
 
-    const asio_platform::AsioBackgroundQueue another(log, std::this_thread::get_id());
+    const asio_platform::AsioBackgroundQueue another(log);
 
     pthread_sigmask(SIG_SETMASK, nullptr, &after);
     for (int signal = 1; signal < SIGRTMAX; ++signal) {
@@ -184,7 +140,7 @@ TEST_F(BackgroundQueue, LeavesNoThreadBehind)
     const int before = threadCount();
     std::latch allThere(10);
     {
-        asio_platform::AsioBackgroundQueue another(log, std::this_thread::get_id());
+        asio_platform::AsioBackgroundQueue another(log);
         for (int i = 0; i < 10; ++i) {
             another.async([&] { allThere.arrive_and_wait(); });
         }
@@ -213,7 +169,7 @@ TEST_F(BackgroundQueue, LeavesAStuckTaskBehindWhenItsTimeIsOver)
 {
     queue.reset();
     const int before = threadCount();
-    auto another = std::make_unique<asio_platform::AsioBackgroundQueue>(log, std::this_thread::get_id());
+    auto another = std::make_unique<asio_platform::AsioBackgroundQueue>(log);
     Gate begun;
     Gate gate;
     another->async([begun, gate]() mutable {

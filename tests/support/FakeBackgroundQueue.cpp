@@ -1,7 +1,6 @@
 #include "support/FakeBackgroundQueue.h"
 
 #include "support/FakeSerialQueue.h"
-#include "support/FakeTimer.h"
 
 #include <utility>
 
@@ -12,13 +11,6 @@ FakeBackgroundQueue::FakeBackgroundQueue(VirtualTime& time)
 {}
 
 void FakeBackgroundQueue::async(Task task) { m_time.runInBackground(std::move(task)); }
-
-std::shared_ptr<platform::Timer> FakeBackgroundQueue::makeTimer(platform::TimerSchedule schedule, Task handler)
-{
-    m_timers.push_back(schedule);
-    const auto submit = [&time = m_time](Task turn) { time.runInBackground(std::move(turn)); };
-    return std::make_shared<FakeTimer>(m_time, schedule, std::move(handler), submit, m_alive);
-}
 
 std::shared_ptr<platform::SerialQueue> FakeBackgroundQueue::makeSerialQueue(std::string label)
 {

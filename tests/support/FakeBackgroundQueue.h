@@ -15,20 +15,14 @@ public:
     explicit FakeBackgroundQueue(VirtualTime& time);
 
     void async(Task task) override;
-    [[nodiscard]] std::shared_ptr<platform::Timer> makeTimer(platform::TimerSchedule schedule, Task handler) override;
     [[nodiscard]] std::shared_ptr<platform::SerialQueue> makeSerialQueue(std::string label) override;
-
-    // The schedules of all timers made by this queue itself, in order.
-    [[nodiscard]] const std::vector<platform::TimerSchedule>& timers() const { return m_timers; }
 
     // The labels of all serial queues made, in order.
     [[nodiscard]] const std::vector<std::string>& serialQueues() const { return m_labels; }
 
 private:
     VirtualTime& m_time;
-    std::vector<platform::TimerSchedule> m_timers;
     std::vector<std::string> m_labels;
-    std::shared_ptr<int> m_alive = std::make_shared<int>(0);
 };
 
 } // namespace vorrano::support

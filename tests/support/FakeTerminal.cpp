@@ -200,12 +200,13 @@ SystemResult FakeTerminal::waitReadable(int descriptor, std::chrono::microsecond
     return {waited == VirtualTime::Wait::Met ? 1 : 0};
 }
 
-void FakeTerminal::wait(std::chrono::microseconds duration)
+void FakeTerminal::wait(std::chrono::microseconds duration, std::chrono::microseconds leeway)
 {
     m_time.crossing();
     record(TerminalCall::Wait, 0, {}, "wait " + std::to_string(duration.count()) + "us");
     const auto never = [] { return false; };
-    m_time.waitUntil(never, m_time.now() + duration);
+    const auto late = std::chrono::duration_cast<Nanoseconds>(leeway * m_time.lateness());
+    m_time.waitUntil(never, m_time.now() + duration + late);
     unwindIfEnded();
 }
 

@@ -75,7 +75,7 @@ public:
         , m_deviceRegistry(composition.makeDeviceRegistry(m_mainQueue))
         , m_terminal(*m_deviceRegistry)
         , m_wifi(composition.makeWifi())
-        , m_backgroundQueue(m_log, std::this_thread::get_id())
+        , m_backgroundQueue(m_log)
         , m_reachability(composition.makeReachability(m_mainQueue, m_backgroundQueue))
         , m_platform(platform::Ports{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue,
                                      m_notificationCentre, m_terminal, *m_deviceRegistry, *m_wifi, *m_reachability,

@@ -12,6 +12,7 @@
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 namespace vorrano::linux_platform {
@@ -50,6 +51,9 @@ void giveToOthers(int descriptor)
     ::ioctl(descriptor, TIOCNXCL);
     ::flock(descriptor, LOCK_UN);
 }
+
+// How late the kernel may end the calling thread's waits; zero gives the thread its default back.
+void setTimerSlack(std::chrono::nanoseconds slack) { ::prctl(PR_SET_TIMERSLACK, slack.count()); }
 
 } // namespace
 
@@ -157,7 +161,13 @@ SystemResult LinuxTerminal::waitReadable(int descriptor, std::chrono::microsecon
     return result;
 }
 
-void LinuxTerminal::wait(std::chrono::microseconds duration) { std::this_thread::sleep_for(duration); }
+void LinuxTerminal::wait(std::chrono::microseconds duration, std::chrono::microseconds leeway)
+{
+    setTimerSlack(leeway);
+    std::this_thread::sleep_for(duration);
+    // The thread is the pool's and has other work next.
+    setTimerSlack({});
+}
 
 SystemResult LinuxTerminal::read(int descriptor, std::span<std::byte> into)
 {

@@ -17,7 +17,7 @@ namespace vorrano::kernel_test {
 struct ProbeWorld {
     linux_platform::LinuxSystemLog log;
     qt::QtMainQueue mainQueue{log};
-    asio_platform::AsioBackgroundQueue background{log, std::this_thread::get_id()};
+    asio_platform::AsioBackgroundQueue background{log};
 
 private:
     linux_platform::UdevDeviceRegistry m_registry{mainQueue};

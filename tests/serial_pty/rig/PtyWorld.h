@@ -32,7 +32,7 @@ private:
 public:
     RigTerminal terminal{m_linux};
     MainLoop loop{log};
-    asio_platform::AsioBackgroundQueue background{log, std::this_thread::get_id()};
+    asio_platform::AsioBackgroundQueue background{log};
 
 private:
     support::SerialPlatform m_platform{log, loop, background, terminal, devices};

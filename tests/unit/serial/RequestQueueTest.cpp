@@ -51,13 +51,13 @@ TEST_F(RequestQueue, HasWrittenTheRequestWhenTheSendReturns)
     EXPECT_EQ(line.written(), "3");
 }
 
-TEST_F(RequestQueue, WritesInsideTheCallWhenItIsIdle)
+TEST_F(RequestQueue, WritesOnABackgroundThreadAlsoForTheMainThread)
 {
     openQuietly();
 
     port->sendRequest(request("3", 2s, endsWith("!")));
 
-    EXPECT_TRUE(world.terminal.calls({TerminalCall::Write}).front().onMainThread);
+    EXPECT_FALSE(world.terminal.calls({TerminalCall::Write}).front().onMainThread);
 }
 
 TEST_F(RequestQueue, NeverAsksTheEvaluatorOnTheMainThreadWhenTheReplyIsThereAtOnce)

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "serial/SerialRequest.h"
+
+#include <atomic>
+#include <chrono>
+#include <deque>
+#include <functional>
+#include <memory>
+
+namespace vorrano::platform {
+class SerialQueue;
+class Timer;
+} // namespace vorrano::platform
+
+namespace vorrano::serial {
+
+// The requests of a port: writes one at a time, gathers what comes back, asks the request whether that is its response,
+// and gives up after its time limit.
+//
+// Threads: sendRequest() on any but the serial queue's, receiveData() and the rest on any. All steps run on the serial
+// queue, so the state has no lock. A step never waits for the main thread, and never calls the delegate.
+// Lifetime: the steps and the timer hold the queue weakly; once it is gone they do nothing.
+class RequestQueue : public std::enable_shared_from_this<RequestQueue> {
+public:
+    using Request = std::shared_ptr<SerialRequest>;
+
+    // The port behind the queue. Called on the serial queue.
+    struct Events {
+        // Writes all bytes; whether that succeeded.
+        std::function<bool(const Bytes& data)> write;
+        // The bytes are the request's response; there is one at least.
+        std::function<void(const Bytes& response, const Request& request)> didReceiveResponse;
+        // The request's time is over. Has the delegate told, and calls `next` afterwards in every case, on any thread;
+        // false, without calling it, when nobody listens.
+        std::function<bool(const Request& request, std::function<void()> next)> didTimeout;
+    };
+
+    RequestQueue(std::shared_ptr<platform::SerialQueue> serialQueue, Events events);
+    RequestQueue(const RequestQueue&) = delete;
+    RequestQueue& operator=(const RequestQueue&) = delete;
+    ~RequestQueue();
+
+    // Queues the request behind the pending one, or writes it; waits until that is done. False when the write failed: the
+    // request is pending all the same.
+    bool sendRequest(Request request);
+
+    // Takes a chunk that was read. The first chunk of an idle queue is looked at inside the call; writing is left to
+    // another thread, so that the reader never stops for it.
+    void receiveData(Bytes data);
+
+    // Whether what is read now may hold a secret: from the start of a request whose response is secret until a request
+    // has been answered. So it may while the request is pending, and also after its time-out, as its response may be
+    // late.
+    [[nodiscard]] bool mayReceiveSecret() const { return m_mayReceiveSecret; }
+
+    // The line was closed: a late response does not come any more.
+    void portWasClosed();
+
+private:
+    using Step = void (RequestQueue::*)();
+
+    bool reallySendRequest(Request request);
+    void startTimeout(std::chrono::duration<double> interval);
+    void checkResponseToPendingRequestAndContinueIfValid();
+    void sendNextRequest();
+    void sendNextRequestIfDue();
+    void pendingRequestDidTimeout();
+    void delegateWasToldOfTimeout();
+    void forgetLateSecret();
+    void setPendingRequestTimeoutTimer(std::shared_ptr<platform::Timer> timer);
+    [[nodiscard]] std::function<void()> onQueue(Step step);
+
+    const std::shared_ptr<platform::SerialQueue> m_serialQueue;
+    const Events m_events;
+
+    // Touched by steps only.
+    Bytes m_receiveBuffer;
+    std::deque<Request> m_requestsQueue;
+    Request m_pendingRequest;
+    std::shared_ptr<platform::Timer> m_pendingRequestTimeoutTimer;
+    // The pending request has its response; the next one starts before any other step.
+    bool m_isNextDue = false;
+
+    // Written by steps, read by the port's reader.
+    std::atomic<bool> m_mayReceiveSecret = false;
+};
+
+} // namespace vorrano::serial
