@@ -14,6 +14,9 @@ using support::eventually;
 using support::Gate;
 using support::threadCount;
 
+// Free threads that stay.
+constexpr int kBase = 4;
+
 class BackgroundQueue : public support::QueueTest {};
 
 TEST_F(BackgroundQueue, RunsATaskOnAThreadOfItsOwn)
@@ -60,6 +63,47 @@ TEST_F(BackgroundQueue, GivesATaskThatATaskHandsInAThreadToo)
     onBackground(nest);
 
     EXPECT_EQ(depth, 20);
+}
+
+TEST_F(BackgroundQueue, LetsItsSurplusThreadsGo)
+{
+    const int before = threadCount();
+    Gate gate;
+    std::atomic<int> blocked = 0;
+    for (int i = 0; i < 40; ++i) {
+        queue->async([&] {
+            ++blocked;
+            gate.wait();
+        });
+    }
+    ASSERT_TRUE(eventually([&] { return blocked == 40; }));
+    ASSERT_GE(threadCount(), before + 40);
+
+    gate.open();
+
+    EXPECT_TRUE(eventually([&] { return threadCount() <= before + kBase; }));
+}
+
+TEST_F(BackgroundQueue, StillRunsTasksAfterItsSurplusThreadsHaveLeft)
+{
+    const int before = threadCount();
+    std::latch allThere(20);
+    for (int i = 0; i < 20; ++i) {
+        queue->async([&] { allThere.arrive_and_wait(); });
+    }
+    allThere.wait();
+    ASSERT_TRUE(eventually([&] { return threadCount() <= before + kBase; }));
+
+    std::latch again(20);
+    std::atomic<int> done = 0;
+    for (int i = 0; i < 20; ++i) {
+        queue->async([&] {
+            again.arrive_and_wait();
+            ++done;
+        });
+    }
+
+    EXPECT_TRUE(eventually([&] { return done == 20; }));
 }
 
 TEST_F(BackgroundQueue, BlocksAllSignalsOnItsThreads)

@@ -11,6 +11,13 @@
 
 namespace vorrano::asio_platform {
 
+namespace {
+
+// Free threads that stay.
+constexpr int kSpareThreads = 4;
+
+} // namespace
+
 AsioPool::AsioPool(platform::SystemLog& log)
     : m_log(log)
     , m_keepRunning(m_context.get_executor())
@@ -45,24 +52,52 @@ void AsioPool::freeThread()
 
 void AsioPool::addThread()
 {
+    const auto place = m_threads.emplace(m_threads.end());
     try {
         const SignalsBlocked forTheThread;
-        m_threads.emplace_back([self = shared_from_this()] { self->serve(); });
+        *place = std::thread([self = shared_from_this(), place] { self->serve(place); });
         ++m_alive;
         ++m_free;
     } catch (const std::system_error& refused) {
         // The work waits for a thread that becomes free.
+        m_threads.erase(place);
         report(refused.what());
     }
 }
 
-void AsioPool::serve()
+void AsioPool::serve(Threads::iterator self)
 {
     pthread_setname_np(pthread_self(), "background");
-    m_context.run();
+    while (m_context.run_one() > 0 && !leavesAsSurplus()) {
+    }
+    leave(self);
+}
+
+bool AsioPool::leavesAsSurplus()
+{
     const std::lock_guard lock(m_mutex);
-    --m_alive;
-    m_threadLeft.notify_all();
+    if (m_free <= kSpareThreads) {
+        return false;
+    }
+    --m_free;
+    return true;
+}
+
+void AsioPool::leave(Threads::iterator self)
+{
+    std::thread before;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (!m_stopped) {
+            before = std::exchange(m_lastLeft, std::move(*self));
+            m_threads.erase(self);
+        }
+        --m_alive;
+        m_threadLeft.notify_all();
+    }
+    if (before.joinable()) {
+        before.join();
+    }
 }
 
 void AsioPool::stop()
@@ -86,12 +121,13 @@ bool AsioPool::join(std::optional<std::chrono::nanoseconds> limit)
         m_leftSomeBehind = true;
     }
     auto threads = std::exchange(m_threads, {});
+    threads.push_back(std::exchange(m_lastLeft, {}));
     const bool complete = !m_leftSomeBehind;
     lock.unlock();
     for (auto& thread : threads) {
-        if (complete) {
+        if (complete && thread.joinable()) {
             thread.join();
-        } else {
+        } else if (thread.joinable()) {
             thread.detach();
         }
     }

@@ -24,8 +24,8 @@ namespace vorrano::asio_platform {
 
 // The threads behind the background queue: an io_context, and as many threads as its work needs at the same time.
 //
-// Work that is handed in while no thread is free gets a new thread at once. A thread stays until the pool ends: it costs
-// a few kilobytes of memory and no time.
+// Work that is handed in while no thread is free gets a new thread at once. A thread that has done its work leaves when
+// enough others are free.
 // Threads: every method on any thread; join() on none of the pool's.
 // Lifetime: its threads hold it too, so that a thread which join() left behind still finds it.
 class AsioPool : public std::enable_shared_from_this<AsioPool> {
@@ -72,10 +72,14 @@ public:
     bool join(std::optional<std::chrono::nanoseconds> limit);
 
 private:
+    using Threads = std::list<std::thread>;
+
     void reserveThread();
     void freeThread();
     void addThread();
-    void serve();
+    void serve(Threads::iterator self);
+    [[nodiscard]] bool leavesAsSurplus();
+    void leave(Threads::iterator self);
     void report(const char* what) noexcept;
 
     platform::SystemLog& m_log;
@@ -84,7 +88,9 @@ private:
 
     std::mutex m_mutex; // of what follows
     std::condition_variable m_threadLeft;
-    std::list<std::thread> m_threads;
+    Threads m_threads;
+    // The thread that left last; the next one to leave joins it.
+    std::thread m_lastLeft;
     // Threads that are free, less the work that waits for one.
     int m_free = 0;
     int m_alive = 0;
