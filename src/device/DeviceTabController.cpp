@@ -27,6 +27,12 @@ constexpr std::string_view kSpinner = "loginProgressIndicator";
 constexpr double kDimmed = 0.3;
 constexpr double kOpaque = 1.0;
 
+std::shared_ptr<serial::SerialRequest> makeRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
+{
+    return serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
+        std::move(data), std::any(), kTimeLimit, std::move(evaluator));
+}
+
 bool isVorrano(const std::shared_ptr<SerialPort>& port) { return port->path().find(kVorranoPath) != std::string::npos; }
 
 } // namespace
@@ -142,9 +148,13 @@ void DeviceTabController::displayAlert(std::optional<std::string_view> messageTe
 
 void DeviceTabController::sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
 {
+    send(makeRequest(std::move(data), std::move(evaluator)));
+}
+
+void DeviceTabController::send(const std::shared_ptr<serial::SerialRequest>& request)
+{
     if (m_serialPort) {
-        m_serialPort->sendRequest(serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
-            std::move(data), std::any(), kTimeLimit, std::move(evaluator)));
+        m_serialPort->sendRequest(request);
     }
 }
 
@@ -152,7 +162,9 @@ void DeviceTabController::query(platform::Control& sender, DeviceCommand command
 {
     displayAndStartProgressIndicator(sender);
     setQueryNumber(command);
-    sendRequest(bytesOf(command), std::move(evaluator));
+    const auto request = makeRequest(bytesOf(command), std::move(evaluator));
+    request->setResponseSecret(command == DeviceCommand::ReadPassword);
+    send(request);
 }
 
 void DeviceTabController::sendFreeText(platform::Control& sender, DeviceCommand command, std::string value)

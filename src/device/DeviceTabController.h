@@ -134,6 +134,7 @@ protected:
     serial::Bytes m_incomingDataBuffer;
 
 private:
+    void send(const std::shared_ptr<serial::SerialRequest>& request);
     [[nodiscard]] bool isVorranoListed() const;
     void updateNoVorranoConnectedLabel();
 

@@ -6,6 +6,7 @@
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
 #include "platform/System.h"
+#include "serial/SerialPort.h"
 #include "text/Text.h"
 
 #include <algorithm>
@@ -130,7 +131,6 @@ void UtilitiesViewController::buttonGetSSID(Control& sender)
 
 void UtilitiesViewController::buttonGetNetworkPassword(Control& sender)
 {
-    m_passwordsOnTheirWay += serialPort() ? 1 : 0;
     query(sender, DeviceCommand::ReadPassword, tripleTerminator(kShortestStoredText));
 }
 
@@ -218,13 +218,10 @@ serial::SerialPortCallbacks UtilitiesViewController::callbacks() const
     return {WasRemovedFromSystem, DidReceiveData, DidReceiveResponseToRequest, RequestDidTimeout};
 }
 
-void UtilitiesViewController::serialPortDidReceiveResponseToRequest(
-    serial::SerialPort&, const serial::Bytes& response, const std::shared_ptr<serial::SerialRequest>& request)
+void UtilitiesViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&, const serial::Bytes& response,
+                                                                    const std::shared_ptr<serial::SerialRequest>&)
 {
     receiveResponse(response);
-    if (request->dataToSend() == bytesOf(DeviceCommand::ReadPassword)) {
-        --m_passwordsOnTheirWay;
-    }
     const bool throttle = queryNumber() == DeviceCommand::ReadThrottle;
     hideAndStopProgressIndicator(nullptr);
     if (throttle) {
@@ -241,9 +238,10 @@ void UtilitiesViewController::serialPortRequestDidTimeout(serial::SerialPort&,
     displayAlertWithMessage(device_text::kTryAgain);
 }
 
-void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort&, const serial::Bytes& data)
+void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort& port, const serial::Bytes& data)
 {
     receive(data);
+    m_isChunkSecret = port.isReceivedDataSecret();
     m_incomingDataBuffer += data;
     routeToBootloader();
     routeByQueryNumber();
@@ -295,24 +293,23 @@ void UtilitiesViewController::displayNetworkConnectivity()
 }
 
 // The first chunk only begins the gathering; the alert comes with a later one that holds no zero line.
-void UtilitiesViewController::displayGathered(std::optional<std::string>& gathered, std::string_view informativeText)
+void UtilitiesViewController::displayGathered(Accumulator& gathered, std::string_view informativeText)
 {
-    m_passwordWasGathered = m_passwordWasGathered || m_passwordsOnTheirWay > 0;
-    if (!gathered) {
-        gathered = receivedString();
+    gathered.mayHoldSecret = gathered.mayHoldSecret || m_isChunkSecret;
+    if (!gathered.text) {
+        gathered.text = receivedString();
         forgetReceivedString();
     }
     const auto& chunk = receivedString();
     if (chunk) {
-        *gathered += *chunk;
+        *gathered.text += *chunk;
     }
     if (!chunk || chunk->find(kZeroLine) != std::string::npos) {
-        m_systemLog.write("The string is " + (m_passwordWasGathered ? kWithheld : gathered.value_or("(null)")));
+        m_systemLog.write("The string is " + (gathered.mayHoldSecret ? kWithheld : gathered.text.value_or("(null)")));
         return;
     }
-    displayAlert(gathered, informativeText);
-    gathered.reset();
-    m_passwordWasGathered = m_passwordWasGathered && (m_connectivityStatus || m_adcNumber);
+    displayAlert(gathered.text, informativeText);
+    gathered = {};
 }
 
 void UtilitiesViewController::displayFirmwareVersion()

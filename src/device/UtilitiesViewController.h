@@ -66,8 +66,8 @@ public:
     void displayTemperatureUnitSetAlert();
 
     // The answers that are gathered until their alert; none when there is nothing gathered.
-    [[nodiscard]] const std::optional<std::string>& connectivityStatus() const { return m_connectivityStatus; }
-    [[nodiscard]] const std::optional<std::string>& adcNumber() const { return m_adcNumber; }
+    [[nodiscard]] const std::optional<std::string>& connectivityStatus() const { return m_connectivityStatus.text; }
+    [[nodiscard]] const std::optional<std::string>& adcNumber() const { return m_adcNumber.text; }
 
     [[nodiscard]] const FirmwareUpdate& firmwareUpdate() const { return m_firmwareUpdate; }
 
@@ -87,7 +87,13 @@ private:
     void queryRaw(DeviceCommand command);
     void routeToBootloader();
     void routeByQueryNumber();
-    void displayGathered(std::optional<std::string>& gathered, std::string_view informativeText);
+    // An answer that comes in several chunks.
+    struct Accumulator {
+        std::optional<std::string> text;
+        // A chunk in it may be a stored password, which must not reach the log.
+        bool mayHoldSecret = false;
+    };
+    void displayGathered(Accumulator& gathered, std::string_view informativeText);
     void displayVersion(std::size_t shortest, std::string_view informativeText);
 
     platform::SystemLog& m_systemLog;
@@ -96,12 +102,9 @@ private:
     platform::TextField& m_setThrottleTextField;
     platform::PopUpButton& m_temperatureDisplayUnitButton;
     FirmwareUpdate m_firmwareUpdate;
-    std::optional<std::string> m_connectivityStatus;
-    std::optional<std::string> m_adcNumber;
-    // How often the stored password was asked for and has not come; a query pressed meanwhile takes it for its own
-    // answer. What was gathered then stays out of the log.
-    int m_passwordsOnTheirWay = 0;
-    bool m_passwordWasGathered = false;
+    Accumulator m_connectivityStatus;
+    Accumulator m_adcNumber;
+    bool m_isChunkSecret = false; // of the chunk in receivedString
 };
 
 } // namespace vorrano::device

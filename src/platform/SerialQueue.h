@@ -28,8 +28,8 @@ public:
     // the same as async(). Tasks that others submit meanwhile do not run on the caller's thread.
     virtual void dispatch(Task task) = 0;
 
-    // Submits the task like async() and waits until it has run. A task of this queue must not call it: it would wait for
-    // itself (std::logic_error).
+    // Submits the task like async() and waits until it has run. A task of this queue must not call it: it would wait
+    // for itself (std::logic_error).
     virtual void sync(Task task) = 0;
 
     // A timer, not yet started, whose handler is a task of this queue.

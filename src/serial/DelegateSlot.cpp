@@ -24,9 +24,8 @@ void DelegateSlot::set(std::weak_ptr<SerialPortDelegate> delegate)
 void DelegateSlot::post(SerialPortCallback callback, Call call) const
 {
     if (implements(callback)) {
-        m_mainQueue.async([this, callback, call = std::move(call), port = m_port.shared_from_this()] {
-            callNow(callback, call);
-        });
+        m_mainQueue.async(
+            [this, callback, call = std::move(call), port = m_port.shared_from_this()] { callNow(callback, call); });
     }
 }
 
@@ -36,9 +35,7 @@ bool DelegateSlot::postThen(SerialPortCallback callback, Call call, std::functio
         return false;
     }
     m_mainQueue.async([this, callback, call = std::move(call), afterwards = std::move(afterwards),
-                       port = m_port.shared_from_this()] {
-        inAnyCase([&] { callNow(callback, call); }, afterwards);
-    });
+                       port = m_port.shared_from_this()] { inAnyCase([&] { callNow(callback, call); }, afterwards); });
     return true;
 }
 

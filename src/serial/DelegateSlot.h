@@ -34,8 +34,8 @@ public:
     // Submits the call to the main queue if the delegate implements the callback.
     void post(SerialPortCallback callback, Call call) const;
 
-    // Submits the call, and after it `afterwards`, which follows in every case: also when the delegate is gone by then or
-    // throws. False, with nothing submitted, if the delegate does not implement the callback.
+    // Submits the call, and after it `afterwards`, which follows in every case: also when the delegate is gone by then
+    // or throws. False, with nothing submitted, if the delegate does not implement the callback.
     [[nodiscard]] bool postThen(SerialPortCallback callback, Call call, std::function<void()> afterwards) const;
 
     // Reports an errno: inside the call on the main thread, else on the main queue.

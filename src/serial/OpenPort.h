@@ -20,8 +20,8 @@ struct WriteOutcome {
 //
 // Whoever uses the descriptor holds this object, and the last holder gives the descriptor's number back to the system.
 // So nobody ever reads, writes or polls a file of somebody else that got the same number.
-// Threads: every method on any. The reader and the poll are tasks for a background thread each; each ends with this open,
-// also when the port is open again by then.
+// Threads: every method on any. The reader and the poll are tasks for a background thread each; each ends with this
+// open, also when the port is open again by then.
 class OpenPort {
 public:
     // What the reader and the poll report, on their own threads. Nothing is reported of an open that has ended.

@@ -41,8 +41,8 @@ public:
     RequestQueue& operator=(const RequestQueue&) = delete;
     ~RequestQueue();
 
-    // Queues the request behind the pending one, or writes it; waits until that is done. False when the write failed: the
-    // request is pending all the same.
+    // Queues the request behind the pending one, or writes it; waits until that is done. False when the write failed:
+    // the request is pending all the same.
     bool sendRequest(Request request);
 
     // Takes a chunk that was read. The first chunk of an idle queue is looked at inside the call; writing is left to

@@ -136,11 +136,12 @@ std::shared_ptr<RequestQueue> SerialPort::makeRequestQueue()
     };
     const auto didTimeout = [weak](const RequestQueue::Request& request, std::function<void()> next) {
         const auto port = weak.lock();
-        return port && port->m_delegate.postThen(SerialPortCallback::RequestDidTimeout,
-                                                 [request](SerialPortDelegate& delegate, SerialPort& self) {
-                                                     delegate.serialPortRequestDidTimeout(self, request);
-                                                 },
-                                                 std::move(next));
+        return port && port->m_delegate.postThen(
+                           SerialPortCallback::RequestDidTimeout,
+                           [request](SerialPortDelegate& delegate, SerialPort& self) {
+                               delegate.serialPortRequestDidTimeout(self, request);
+                           },
+                           std::move(next));
     };
     return std::make_shared<RequestQueue>(
         m_backgroundQueue.makeSerialQueue("com.vorrano.SerialPort.requestHandlingQueue"),
@@ -167,13 +168,12 @@ bool SerialPort::sendData(const Bytes& data)
 
 void SerialPort::receiveData(const Bytes& chunk)
 {
-    m_delegate.post(
-        SerialPortCallback::DidReceiveData,
-        [chunk, secret = m_requests->mayReceiveSecret()](SerialPortDelegate& delegate, SerialPort& self) {
-            self.m_isReceivedDataSecret = secret;
-            inAnyCase([&] { delegate.serialPortDidReceiveData(self, chunk); },
-                      [&] { self.m_isReceivedDataSecret = false; });
-        });
+    m_delegate.post(SerialPortCallback::DidReceiveData,
+                    [chunk, secret = m_requests->mayReceiveSecret()](SerialPortDelegate& delegate, SerialPort& self) {
+                        self.m_isReceivedDataSecret = secret;
+                        inAnyCase([&] { delegate.serialPortDidReceiveData(self, chunk); },
+                                  [&] { self.m_isReceivedDataSecret = false; });
+                    });
     m_requests->receiveData(chunk);
 }
 
@@ -186,8 +186,8 @@ void SerialPort::cleanup()
 
 void SerialPort::cleanupAfterSystemRemoval() { cleanupAfterRemovalOfOpen(m_open.number()); }
 
-// The poll and the hot-plug watch may both report the same removal. By the second report the delegate may have found the
-// device again and opened it anew; that open has nothing to do with the removal.
+// The poll and the hot-plug watch may both report the same removal. By the second report the delegate may have found
+// the device again and opened it anew; that open has nothing to do with the removal.
 void SerialPort::cleanupAfterRemovalOfOpen(std::uint64_t number)
 {
     const auto tell = [number](SerialPortDelegate& delegate, SerialPort& self) {

@@ -78,8 +78,8 @@ public:
     // before each callback.
     [[nodiscard]] virtual SerialPortCallbacks callbacks() const = 0;
 
-    // The device is gone. The port closes right after this call, unless it has been opened anew by then. A removal whose
-    // port was opened anew before this call was due is not reported: that open has nothing to do with it.
+    // The device is gone. The port closes right after this call, unless it has been opened anew by then. A removal
+    // whose port was opened anew before this call was due is not reported: that open has nothing to do with it.
     virtual void serialPortWasRemovedFromSystem(SerialPort& /*port*/) {}
 
     // Every chunk that was read (at most 1024 bytes), request or not; before the response that it completes.
@@ -90,8 +90,9 @@ public:
                                                        const std::shared_ptr<SerialRequest>& /*request*/)
     {}
 
-    // The request is null when its timer fired after the request had been cleared away. That happens when a late response
-    // started it while an earlier time-out was on its way to the delegate: the step after that time-out clears it.
+    // The request is null when its timer fired after the request had been cleared away. That happens when a late
+    // response started it while an earlier time-out was on its way to the delegate: the step after that time-out clears
+    // it.
     virtual void serialPortRequestDidTimeout(SerialPort& /*port*/, const std::shared_ptr<SerialRequest>& /*request*/) {}
 
     // An error of open(), close(), sendData() or a setter that was called on the main thread is reported inside that

@@ -35,9 +35,8 @@ void SerialPort::open()
         setUp(*open);
     };
     inAnyCase(announceAndSetUp, [&] {
-        m_delegate.post(SerialPortCallback::WasOpened, [](SerialPortDelegate& delegate, SerialPort& self) {
-            delegate.serialPortWasOpened(self);
-        });
+        m_delegate.post(SerialPortCallback::WasOpened,
+                        [](SerialPortDelegate& delegate, SerialPort& self) { delegate.serialPortWasOpened(self); });
         startReadingAndPolling(open);
     });
 }

@@ -55,10 +55,7 @@ void SerialPort::setUsesDTRDSRFlowControl(bool uses) { setFlowControl(&Options::
 
 bool SerialPort::usesDCDOutputFlowControl() const { return m_options.get(&Options::usesDCDOutputFlowControl); }
 
-void SerialPort::setUsesDCDOutputFlowControl(bool uses)
-{
-    setFlowControl(&Options::usesDCDOutputFlowControl, uses);
-}
+void SerialPort::setUsesDCDOutputFlowControl(bool uses) { setFlowControl(&Options::usesDCDOutputFlowControl, uses); }
 
 void SerialPort::setFlowControl(bool Options::*flag, bool uses)
 {

@@ -99,9 +99,8 @@ TYPED_TEST(ASerialQueue, DispatchesInsideTheCallOfABackgroundTaskWhenItIsIdle)
 {
     this->inBackground([this] {
         const auto caller = std::this_thread::get_id();
-        this->queue->dispatch([this, caller] {
-            this->tell(std::this_thread::get_id() == caller ? "in place" : "elsewhere");
-        });
+        this->queue->dispatch(
+            [this, caller] { this->tell(std::this_thread::get_id() == caller ? "in place" : "elsewhere"); });
         this->tell("after");
     });
 

@@ -6,8 +6,8 @@
 
 namespace vorrano::asio_platform {
 
-// Blocks all signals on the calling thread for as long as it lives. A thread that is made meanwhile starts with the same
-// mask and keeps it: signals are for the main thread.
+// Blocks all signals on the calling thread for as long as it lives. A thread that is made meanwhile starts with the
+// same mask and keeps it: signals are for the main thread.
 class SignalsBlocked {
 public:
     SignalsBlocked()

@@ -110,16 +110,14 @@ INSTANTIATE_TEST_SUITE_P(
         AddressCase{"EveryEmptyFieldBetweenEmailAndGuestPasswordIsNil",
                     [](Account& account) { account = {"a", "p", "g", "e", "", "", "", "", "", "", ""}; },
                     "a//p/e/nil/nil/nil/nil/nil/nil/nil/g"},
-        AddressCase{"LeadingBlanksStay",
-                    [](Account& account) {
-                        account = {" a", " p", " g", " e", " n", " 1", " 2", " c", " s", " l", " z"};
-                    },
-                    "%20a//%20p/%20e/%20n/%201/%202/%20c/%20s/%20l/%20z/%20g"},
-        AddressCase{"TrailingBlanksGoButForAccountIDAndZipCode",
-                    [](Account& account) {
-                        account = {"a ", "p ", "g ", "e ", "n ", "1 ", "2 ", "c ", "s ", "l ", "z "};
-                    },
-                    "a%20//p/e/n/1/2/c/s/l/z%20/g"},
+        AddressCase{
+            "LeadingBlanksStay",
+            [](Account& account) { account = {" a", " p", " g", " e", " n", " 1", " 2", " c", " s", " l", " z"}; },
+            "%20a//%20p/%20e/%20n/%201/%202/%20c/%20s/%20l/%20z/%20g"},
+        AddressCase{
+            "TrailingBlanksGoButForAccountIDAndZipCode",
+            [](Account& account) { account = {"a ", "p ", "g ", "e ", "n ", "1 ", "2 ", "c ", "s ", "l ", "z "}; },
+            "a%20//p/e/n/1/2/c/s/l/z%20/g"},
         AddressCase{"TabsAreTrimmedLikeBlanks", [](Account& account) { account.name = "\tAda \t"; },
                     "ada1815//secret1/ada@host.example/%09Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22"},
         AddressCase{"NoBreakSpacesAreTrimmedLikeBlanks", [](Account& account) { account.name = "Ada\xc2\xa0"; },
