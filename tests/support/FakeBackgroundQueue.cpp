@@ -1,6 +1,5 @@
 #include "support/FakeBackgroundQueue.h"
 
-#include "support/FakeSerialQueue.h"
 #include "support/FakeTimer.h"
 
 #include <utility>
@@ -23,7 +22,7 @@ std::shared_ptr<platform::Timer> FakeBackgroundQueue::makeTimer(platform::TimerS
 std::shared_ptr<platform::SerialQueue> FakeBackgroundQueue::makeSerialQueue(std::string label)
 {
     m_labels.push_back(std::move(label));
-    return std::make_shared<FakeSerialQueue>(m_time);
+    return std::make_shared<FakeSerialQueue>(m_time, m_delays);
 }
 
 } // namespace vorrano::support
