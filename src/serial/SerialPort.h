@@ -204,6 +204,7 @@ private:
 
     // On the request queue, but receiveData().
     void receiveData(Bytes data);
+    void takeReceivedChunk();
     bool reallySendRequest(std::shared_ptr<SerialRequest> request);
     void sendNextRequest();
     void pendingRequestDidTimeout();
@@ -240,6 +241,9 @@ private:
     bool m_isClosing = false;
     platform::TerminalAttributes m_originalPortAttributes;
     std::shared_ptr<platform::Timer> m_pinPollTimer;
+
+    std::mutex m_receivedMutex;         // held while the delegate's callback of a chunk is posted
+    std::deque<Bytes> m_receivedChunks; // in the order of those callbacks; the request queue takes them
 
     const std::shared_ptr<platform::SerialQueue> m_requestHandlingQueue; // of what follows
     Bytes m_receiveBuffer;

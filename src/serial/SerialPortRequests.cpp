@@ -9,8 +9,9 @@
 #include <chrono>
 #include <utility>
 
-// All of this but receiveData() and sendRequest() runs on the request queue; so none of it takes a lock. An idle queue
-// lends itself to the caller of sendRequest(), so that a request is written without waking a thread.
+// All of this but receiveData() and sendRequest() runs on the request queue; so it takes no lock, but for the chunks
+// that readers hand over. An idle queue lends itself to the caller of sendRequest(), so that a request is written
+// without waking a thread.
 namespace vorrano::serial {
 
 namespace {
@@ -117,14 +118,26 @@ void SerialPort::pendingRequestDidTimeout()
 
 void SerialPort::receiveData(Bytes data)
 {
-    post(SerialPortCallback::DidReceiveData,
-         [this, data](SerialPortDelegate& delegate) { delegate.serialPortDidReceiveData(*this, data); });
-    m_requestHandlingQueue->inPlaceOrAsync([port = weak_from_this(), data = std::move(data)] {
-        if (const auto self = port.lock()) {
-            self->m_receiveBuffer += data;
-            self->checkResponseToPendingRequestAndContinueIfValid();
-        }
-    });
+    {
+        // The reader of an ended open may hand over its last chunk while the next open's reader hands over its first:
+        // one order for both, so that the buffer gets the bytes as the delegate hears them.
+        const std::lock_guard lock(m_receivedMutex);
+        post(SerialPortCallback::DidReceiveData,
+             [this, data](SerialPortDelegate& delegate) { delegate.serialPortDidReceiveData(*this, data); });
+        m_receivedChunks.push_back(std::move(data));
+    }
+    m_requestHandlingQueue->inPlaceOrAsync(onQueue(&SerialPort::takeReceivedChunk));
+}
+
+// The first chunk that is left, which another reader may have handed over. Each chunk has one such step.
+void SerialPort::takeReceivedChunk()
+{
+    {
+        const std::lock_guard lock(m_receivedMutex);
+        m_receiveBuffer += m_receivedChunks.front();
+        m_receivedChunks.pop_front();
+    }
+    checkResponseToPendingRequestAndContinueIfValid();
 }
 
 void SerialPort::setPendingRequestTimeoutTimer(std::shared_ptr<platform::Timer> timer)
