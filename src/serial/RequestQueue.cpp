@@ -32,23 +32,34 @@ bool RequestQueue::sendRequest(Request request)
     return accepted;
 }
 
-void RequestQueue::receiveData(Bytes data)
+void RequestQueue::receiveData(Bytes chunk)
 {
-    m_serialQueue->dispatch([queue = weak_from_this(), data = std::move(data)] {
-        const auto self = queue.lock();
-        if (!self) {
-            return;
-        }
-        self->sendNextRequestIfDue();
-        self->m_receiveBuffer += data;
-        self->checkResponseToPendingRequestAndContinueIfValid();
-        if (self->m_requestsQueue.empty()) {
-            self->sendNextRequestIfDue();
-        } else if (self->m_isNextDue) {
-            // The next request is written, which may take its time: not on the reader's thread, which this may be.
-            self->m_serialQueue->async(self->onQueue(&RequestQueue::sendNextRequestIfDue));
-        }
-    });
+    {
+        // The reader of an ended open may bring its last chunk while the next open's reader brings its first. The lock
+        // gives them one order, so that the buffer gets the bytes as the delegate hears them.
+        const std::lock_guard lock(m_chunksMutex);
+        m_events.didReceiveData(chunk, m_mayReceiveSecret);
+        m_chunks.push_back(std::move(chunk));
+    }
+    m_serialQueue->dispatch(onQueue(&RequestQueue::takeChunk));
+}
+
+// Takes the first chunk, which another reader may have brought. There is one such step for each chunk.
+void RequestQueue::takeChunk()
+{
+    sendNextRequestIfDue();
+    {
+        const std::lock_guard lock(m_chunksMutex);
+        m_receiveBuffer += m_chunks.front();
+        m_chunks.pop_front();
+    }
+    checkResponseToPendingRequestAndContinueIfValid();
+    if (m_requestsQueue.empty()) {
+        sendNextRequestIfDue();
+    } else if (m_isNextDue) {
+        // The next request is written, which may take its time: not on the reader's thread, which this may be.
+        m_serialQueue->async(onQueue(&RequestQueue::sendNextRequestIfDue));
+    }
 }
 
 bool RequestQueue::reallySendRequest(Request request)

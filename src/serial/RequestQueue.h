@@ -7,6 +7,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <mutex>
 
 namespace vorrano::platform {
 class SerialQueue;
@@ -25,8 +26,12 @@ class RequestQueue : public std::enable_shared_from_this<RequestQueue> {
 public:
     using Request = std::shared_ptr<SerialRequest>;
 
-    // The port behind the queue. Called on the serial queue.
+    // The port behind the queue. Called on the serial queue, but for the first.
     struct Events {
+        // Submits the delegate's callback for a chunk; on the thread of receiveData(), one chunk at a time.
+        // `mayHoldSecret` from the start of a request whose response is secret until a request has been answered: while
+        // it is pending, and after its time-out, as its response may be late.
+        std::function<void(const Bytes& chunk, bool mayHoldSecret)> didReceiveData;
         // Writes all bytes; whether that succeeded.
         std::function<bool(const Bytes& data)> write;
         // The bytes are the request's response; there is one at least.
@@ -45,14 +50,10 @@ public:
     // the request is pending all the same.
     bool sendRequest(Request request);
 
-    // Takes a chunk that was read. The first chunk of an idle queue is looked at inside the call; writing is left to
-    // another thread, so that the reader never stops for it.
-    void receiveData(Bytes data);
-
-    // Whether what is read now may hold a secret: from the start of a request whose response is secret until a request
-    // has been answered. So it may while the request is pending, and also after its time-out, as its response may be
-    // late.
-    [[nodiscard]] bool mayReceiveSecret() const { return m_mayReceiveSecret; }
+    // Takes a chunk that was read. Chunks reach the buffer in the order in which their callbacks are submitted. When
+    // the queue is idle, the response test runs inside the call; writing is left to another thread, so that the reader
+    // never stops for it.
+    void receiveData(Bytes chunk);
 
     // The line was closed: a late response does not come any more.
     void portWasClosed();
@@ -60,6 +61,7 @@ public:
 private:
     using Step = void (RequestQueue::*)();
 
+    void takeChunk();
     bool reallySendRequest(Request request);
     void startTimeout(std::chrono::duration<double> interval);
     void checkResponseToPendingRequestAndContinueIfValid();
@@ -82,8 +84,11 @@ private:
     // The pending request has its response; the next one starts before any other step.
     bool m_isNextDue = false;
 
-    // Written by steps, read by the port's reader.
+    // Written by steps, read by the port's readers.
     std::atomic<bool> m_mayReceiveSecret = false;
+
+    std::mutex m_chunksMutex; // held while the callback of a chunk is submitted
+    std::deque<Bytes> m_chunks;
 };
 
 } // namespace vorrano::serial

@@ -122,6 +122,11 @@ void SerialPort::setDelegate(std::weak_ptr<SerialPortDelegate> delegate) { m_del
 std::shared_ptr<RequestQueue> SerialPort::makeRequestQueue()
 {
     const std::weak_ptr<SerialPort> weak = weak_from_this();
+    const auto didReceiveData = [weak](const Bytes& chunk, bool mayHoldSecret) {
+        if (const auto port = weak.lock()) {
+            port->postData(chunk, mayHoldSecret);
+        }
+    };
     const auto write = [weak](const Bytes& data) {
         const auto port = weak.lock();
         return port && port->sendData(data);
@@ -145,7 +150,17 @@ std::shared_ptr<RequestQueue> SerialPort::makeRequestQueue()
     };
     return std::make_shared<RequestQueue>(
         m_backgroundQueue.makeSerialQueue("com.vorrano.SerialPort.requestHandlingQueue"),
-        RequestQueue::Events{write, didReceiveResponse, didTimeout});
+        RequestQueue::Events{didReceiveData, write, didReceiveResponse, didTimeout});
+}
+
+void SerialPort::postData(const Bytes& chunk, bool mayHoldSecret)
+{
+    m_delegate.post(SerialPortCallback::DidReceiveData,
+                    [chunk, mayHoldSecret](SerialPortDelegate& delegate, SerialPort& self) {
+                        self.m_isReceivedDataSecret = mayHoldSecret;
+                        inAnyCase([&] { delegate.serialPortDidReceiveData(self, chunk); },
+                                  [&] { self.m_isReceivedDataSecret = false; });
+                    });
 }
 
 bool SerialPort::sendRequest(std::shared_ptr<SerialRequest> request)
@@ -164,17 +179,6 @@ bool SerialPort::sendData(const Bytes& data)
         m_delegate.notifyDelegateOfPosixError(outcome.error);
     }
     return outcome.complete;
-}
-
-void SerialPort::receiveData(const Bytes& chunk)
-{
-    m_delegate.post(SerialPortCallback::DidReceiveData,
-                    [chunk, secret = m_requests->mayReceiveSecret()](SerialPortDelegate& delegate, SerialPort& self) {
-                        self.m_isReceivedDataSecret = secret;
-                        inAnyCase([&] { delegate.serialPortDidReceiveData(self, chunk); },
-                                  [&] { self.m_isReceivedDataSecret = false; });
-                    });
-    m_requests->receiveData(chunk);
 }
 
 void SerialPort::cleanup()

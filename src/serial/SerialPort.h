@@ -175,7 +175,7 @@ private:
     void setFlowControl(bool PortOptions::Values::*flag, bool uses);
 
     // On the reader's and the poll's threads.
-    void receiveData(const Bytes& chunk);
+    void postData(const Bytes& chunk, bool mayHoldSecret);
     void mirrorLine(const OpenPort& open, InputLine& line, int lines);
     void didFailToReadLines(const OpenPort& open, int error);
 

@@ -65,7 +65,7 @@ void SerialPort::startReadingAndPolling(const CurrentOpen::Pointer& open)
 {
     // The reader's tasks hold the port, so an open port is not destroyed.
     const OpenPort::Events events{
-        .didReceive = [self = shared_from_this()](const Bytes& chunk) { self->receiveData(chunk); },
+        .didReceive = [requests = m_requests](const Bytes& chunk) { requests->receiveData(chunk); },
         .didFailToWait = [self = shared_from_this()](int error) { self->m_delegate.notifyDelegateOfPosixError(error); },
         .didReadLines =
             [self = shared_from_this(), &open = *open](int lines) {

@@ -1,7 +1,5 @@
 #include "support/FakeBackgroundQueue.h"
 
-#include "support/FakeSerialQueue.h"
-
 #include <utility>
 
 namespace vorrano::support {
@@ -15,7 +13,7 @@ void FakeBackgroundQueue::async(Task task) { m_time.runInBackground(std::move(ta
 std::shared_ptr<platform::SerialQueue> FakeBackgroundQueue::makeSerialQueue(std::string label)
 {
     m_labels.push_back(std::move(label));
-    return std::make_shared<FakeSerialQueue>(m_time);
+    return std::make_shared<FakeSerialQueue>(m_time, m_delays);
 }
 
 } // namespace vorrano::support

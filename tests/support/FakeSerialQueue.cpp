@@ -86,8 +86,9 @@ private:
     bool m_busy = false;
 };
 
-FakeSerialQueue::FakeSerialQueue(VirtualTime& time)
+FakeSerialQueue::FakeSerialQueue(VirtualTime& time, std::shared_ptr<HandOverDelays> delays)
     : m_time(time)
+    , m_delays(std::move(delays))
     , m_turns(Turns::make(time))
 {}
 
@@ -95,8 +96,19 @@ FakeSerialQueue::~FakeSerialQueue() = default;
 
 void FakeSerialQueue::async(Task task) { m_turns->add(std::move(task)); }
 
+void FakeSerialQueue::waitIfHeldUp()
+{
+    if (m_delays->empty() || m_time.isMainThread()) {
+        return;
+    }
+    const auto end = m_time.now() + m_delays->front();
+    m_delays->pop_front();
+    m_time.waitUntil([] { return false; }, end);
+}
+
 void FakeSerialQueue::dispatch(Task task)
 {
+    waitIfHeldUp();
     if (m_turns->isBusy() || m_time.isMainThread()) {
         async(std::move(task));
         return;
