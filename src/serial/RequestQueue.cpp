@@ -25,7 +25,6 @@ bool RequestQueue::sendRequest(Request request)
 {
     bool accepted = false;
     m_serialQueue->sync([&] {
-        sendNextRequestIfDue();
         accepted = reallySendRequest(std::move(request));
         sendNextRequestIfDue();
     });
