@@ -21,6 +21,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
     # g++ 12 sees an overlap in every assignment of a literal to a std::string (GCC bug 105651).
     target_compile_options(vorrano_warnings INTERFACE -Wno-restrict)
 endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # What the annotations of platform/Mutex.h say is checked.
+    target_compile_options(vorrano_warnings INTERFACE -Wthread-safety)
+endif()
 if(VORRANO_CCACHE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # Without it ccache refuses precompiled headers.
     target_compile_options(vorrano_warnings INTERFACE "SHELL:-Xclang -fno-pch-timestamp")

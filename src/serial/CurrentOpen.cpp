@@ -6,19 +6,19 @@ namespace vorrano::serial {
 
 CurrentOpen::Pointer CurrentOpen::get() const
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     return m_open;
 }
 
 std::uint64_t CurrentOpen::number() const
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     return m_number;
 }
 
 bool CurrentOpen::beginOpen()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     if (m_open || m_isOpening || m_isClosing) {
         return false;
     }
@@ -28,7 +28,7 @@ bool CurrentOpen::beginOpen()
 
 CurrentOpen::Pointer CurrentOpen::setOpened(platform::Terminal& terminal, int descriptor)
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_isOpening = false;
     m_open = std::make_shared<OpenPort>(terminal, descriptor, ++m_number);
     return m_open;
@@ -36,13 +36,13 @@ CurrentOpen::Pointer CurrentOpen::setOpened(platform::Terminal& terminal, int de
 
 void CurrentOpen::setOpenFailed()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_isOpening = false;
 }
 
 CurrentOpen::Pointer CurrentOpen::beginClose(std::optional<std::uint64_t> number)
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     if (!m_open || m_isClosing || (number && *number != m_number)) {
         return nullptr;
     }
@@ -52,20 +52,20 @@ CurrentOpen::Pointer CurrentOpen::beginClose(std::optional<std::uint64_t> number
 
 void CurrentOpen::setEnded()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_open->end();
     m_open = nullptr;
 }
 
 void CurrentOpen::setClosed()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_isClosing = false;
 }
 
 void CurrentOpen::setCloseFailed(Pointer open)
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_isClosing = false;
     m_open = std::move(open);
     m_open->resume();

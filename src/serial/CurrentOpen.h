@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "serial/OpenPort.h"
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 namespace vorrano::serial {
@@ -36,11 +36,11 @@ public:
     void setCloseFailed(Pointer open);
 
 private:
-    mutable std::mutex m_mutex; // of all that follows; held for a look or an assignment only
-    Pointer m_open;
-    std::uint64_t m_number = 0;
-    bool m_isOpening = false;
-    bool m_isClosing = false;
+    mutable platform::Mutex m_mutex; // held for a look or an assignment only
+    Pointer m_open VORRANO_GUARDED_BY(m_mutex);
+    std::uint64_t m_number VORRANO_GUARDED_BY(m_mutex) = 0;
+    bool m_isOpening VORRANO_GUARDED_BY(m_mutex) = false;
+    bool m_isClosing VORRANO_GUARDED_BY(m_mutex) = false;
 };
 
 } // namespace vorrano::serial

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "platform/Mutex.h"
+
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 #include <termios.h>
@@ -37,7 +38,7 @@ public:
 
     [[nodiscard]] Values values() const
     {
-        const std::lock_guard lock(m_mutex);
+        const platform::MutexLock lock(m_mutex);
         return m_values;
     }
 
@@ -51,14 +52,14 @@ public:
     template <class Value>
     bool set(Value Values::*option, Value value)
     {
-        const std::lock_guard lock(m_mutex);
+        const platform::MutexLock lock(m_mutex);
         std::swap(m_values.*option, value);
         return m_values.*option != value;
     }
 
 private:
-    mutable std::mutex m_mutex;
-    Values m_values;
+    mutable platform::Mutex m_mutex;
+    Values m_values VORRANO_GUARDED_BY(m_mutex);
 };
 
 // Writes the options, all but the rate, into a terminal's settings: raw bytes of eight bits, a read that returns once

@@ -36,7 +36,7 @@ void RequestQueue::receiveData(Bytes chunk)
     {
         // The reader of an ended open may bring its last chunk while the next open's reader brings its first. The lock
         // gives them one order, so that the buffer gets the bytes as the delegate hears them.
-        const std::lock_guard lock(m_chunksMutex);
+        const platform::MutexLock lock(m_chunksMutex);
         m_events.didReceiveData(chunk, m_mayReceiveSecret);
         m_chunks.push_back(std::move(chunk));
     }
@@ -48,7 +48,7 @@ void RequestQueue::takeChunk()
 {
     sendNextRequestIfDue();
     {
-        const std::lock_guard lock(m_chunksMutex);
+        const platform::MutexLock lock(m_chunksMutex);
         m_receiveBuffer += m_chunks.front();
         m_chunks.pop_front();
     }

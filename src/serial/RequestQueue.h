@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "serial/SerialRequest.h"
 
 #include <atomic>
@@ -7,7 +8,6 @@
 #include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 
 namespace vorrano::platform {
 class SerialQueue;
@@ -87,8 +87,8 @@ private:
     // Written by steps, read by the port's readers.
     std::atomic<bool> m_mayReceiveSecret = false;
 
-    std::mutex m_chunksMutex; // held while the callback of a chunk is submitted
-    std::deque<Bytes> m_chunks;
+    platform::Mutex m_chunksMutex; // held while the callback of a chunk is submitted
+    std::deque<Bytes> m_chunks VORRANO_GUARDED_BY(m_chunksMutex);
 };
 
 } // namespace vorrano::serial

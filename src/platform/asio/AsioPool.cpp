@@ -46,7 +46,7 @@ void AsioPool::reserveThread()
 
 void AsioPool::freeThread()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     ++m_free;
 }
 
@@ -75,7 +75,7 @@ void AsioPool::serve(Threads::iterator self)
 
 bool AsioPool::leavesAsSurplus()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     if (m_free <= kSpareThreads) {
         return false;
     }
@@ -87,7 +87,7 @@ void AsioPool::leave(Threads::iterator self)
 {
     std::thread before;
     {
-        const std::lock_guard lock(m_mutex);
+        const platform::MutexLock lock(m_mutex);
         if (!m_stopped) {
             before = std::exchange(m_lastLeft, std::move(*self));
             m_threads.erase(self);
@@ -102,7 +102,7 @@ void AsioPool::leave(Threads::iterator self)
 
 void AsioPool::stop()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_stopped.store(true, std::memory_order_release);
     // The threads leave when the work that was handed in is done.
     m_keepRunning.reset();
@@ -110,16 +110,11 @@ void AsioPool::stop()
 
 bool AsioPool::join(std::optional<std::chrono::nanoseconds> limit)
 {
-    std::unique_lock lock(m_mutex);
-    const auto allLeft = [this] { return m_alive == 0; };
+    platform::MutexLock lock(m_mutex);
     if (m_leftSomeBehind) {
         return false;
     }
-    if (!limit) {
-        m_threadLeft.wait(lock, allLeft);
-    } else if (!m_threadLeft.wait_for(lock, *limit, allLeft)) {
-        m_leftSomeBehind = true;
-    }
+    m_leftSomeBehind = !waitUntilAllLeft(limit);
     auto threads = std::exchange(m_threads, {});
     threads.push_back(std::exchange(m_lastLeft, {}));
     const bool complete = !m_leftSomeBehind;
@@ -137,6 +132,19 @@ bool AsioPool::join(std::optional<std::chrono::nanoseconds> limit)
         m_context.poll();
     }
     return complete;
+}
+
+bool AsioPool::waitUntilAllLeft(std::optional<std::chrono::nanoseconds> limit)
+{
+    const auto deadline = std::chrono::steady_clock::now() + limit.value_or(std::chrono::nanoseconds(0));
+    while (m_alive > 0) {
+        if (!limit) {
+            m_threadLeft.wait(m_mutex);
+        } else if (m_threadLeft.wait_until(m_mutex, deadline) == std::cv_status::timeout) {
+            return m_alive == 0;
+        }
+    }
+    return true;
 }
 
 void AsioPool::report(const char* what) noexcept

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/MainQueue.h"
+#include "platform/Mutex.h"
 
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
@@ -11,7 +12,6 @@
 #include <condition_variable>
 #include <list>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <thread>
 #include <utility>
@@ -40,7 +40,7 @@ public:
     template <class Work>
     void post(Work work)
     {
-        std::unique_lock lock(m_mutex);
+        platform::MutexLock lock(m_mutex);
         if (m_stopped) {
             lock.unlock();
             work();
@@ -74,9 +74,10 @@ public:
 private:
     using Threads = std::list<std::thread>;
 
-    void reserveThread();
+    void reserveThread() VORRANO_REQUIRES(m_mutex);
     void freeThread();
-    void addThread();
+    void addThread() VORRANO_REQUIRES(m_mutex);
+    bool waitUntilAllLeft(std::optional<std::chrono::nanoseconds> limit) VORRANO_REQUIRES(m_mutex);
     void serve(Threads::iterator self);
     [[nodiscard]] bool leavesAsSurplus();
     void leave(Threads::iterator self);
@@ -86,16 +87,16 @@ private:
     asio::io_context m_context;
     asio::executor_work_guard<asio::io_context::executor_type> m_keepRunning;
 
-    std::mutex m_mutex; // of what follows
-    std::condition_variable m_threadLeft;
-    Threads m_threads;
+    platform::Mutex m_mutex;
+    std::condition_variable_any m_threadLeft;
+    Threads m_threads VORRANO_GUARDED_BY(m_mutex);
     // The thread that left last; the next one to leave joins it.
-    std::thread m_lastLeft;
+    std::thread m_lastLeft VORRANO_GUARDED_BY(m_mutex);
     // Threads that are free, less the work that waits for one.
-    int m_free = 0;
-    int m_alive = 0;
+    int m_free VORRANO_GUARDED_BY(m_mutex) = 0;
+    int m_alive VORRANO_GUARDED_BY(m_mutex) = 0;
     std::atomic<bool> m_stopped = false; // written under the lock
-    bool m_leftSomeBehind = false;
+    bool m_leftSomeBehind VORRANO_GUARDED_BY(m_mutex) = false;
 };
 
 } // namespace vorrano::asio_platform

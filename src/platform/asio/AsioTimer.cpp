@@ -32,7 +32,7 @@ AsioTimer::AsioTimer(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::io_co
 
 void AsioTimer::start()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     if (std::exchange(m_started, true) || !m_handler) {
         return;
     }
@@ -49,7 +49,7 @@ void AsioTimer::cancel()
 {
     // Released after the lock: the handler may hold the last reference to this timer.
     const auto released = takeHandler();
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_timer.cancel();
 }
 
@@ -71,7 +71,7 @@ void AsioTimer::runHandler()
 
 platform::Task AsioTimer::takeHandler()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     return std::exchange(m_handler, nullptr);
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/Timer.h"
 #include "platform/asio/AsioSerialQueue.h"
 
@@ -7,7 +8,6 @@
 
 #include <chrono>
 #include <memory>
-#include <mutex>
 
 namespace vorrano::asio_platform {
 
@@ -32,10 +32,10 @@ private:
     const Strand m_strand;
     const std::chrono::nanoseconds m_delay;
 
-    std::mutex m_mutex; // of what follows
-    asio::steady_timer m_timer;
-    platform::Task m_handler; // empty once it has run or was cancelled
-    bool m_started = false;
+    platform::Mutex m_mutex;
+    asio::steady_timer m_timer VORRANO_GUARDED_BY(m_mutex);
+    platform::Task m_handler VORRANO_GUARDED_BY(m_mutex); // empty once it has run or was cancelled
+    bool m_started VORRANO_GUARDED_BY(m_mutex) = false;
 };
 
 } // namespace vorrano::asio_platform

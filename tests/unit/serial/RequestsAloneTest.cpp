@@ -123,7 +123,8 @@ TEST_F(RequestsAlone, StartTheNextRequestBeforeTheyLookAtAChunkThatCameDuringThe
 
     receive("a!");
 
-    EXPECT_THAT(told, ElementsAre("write 1", "chunk a!", "chunk b!", "response a! to 1", "write 2", "response b! to 2"));
+    EXPECT_THAT(told,
+                ElementsAre("write 1", "chunk a!", "chunk b!", "response a! to 1", "write 2", "response b! to 2"));
 }
 
 // The step after a time-out clears what is pending when its turn comes: a request that the late response has started.
