@@ -117,6 +117,8 @@ void FakeTimer::start()
         m_state->started = true;
         m_state->due = later(m_state->time.now(), m_state->schedule.first);
         m_state->arm();
+        // It may fire before the call returns.
+        m_state->time.crossing();
     }
 }
 
