@@ -8,7 +8,12 @@ FakeBackgroundQueue::FakeBackgroundQueue(VirtualTime& time)
     : m_time(time)
 {}
 
-void FakeBackgroundQueue::async(Task task) { m_time.runInBackground(std::move(task)); }
+void FakeBackgroundQueue::async(Task task)
+{
+    m_time.runInBackground(std::move(task));
+    // A free thread may begin before the call returns.
+    m_time.crossing();
+}
 
 std::shared_ptr<platform::SerialQueue> FakeBackgroundQueue::makeSerialQueue(std::string label)
 {

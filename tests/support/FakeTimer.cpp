@@ -79,6 +79,8 @@ void FakeTimer::start()
             state->fire();
         }
     });
+    // It may fire before the call returns.
+    time.crossing();
 }
 
 void FakeTimer::cancel() { m_state->cancel(); }
