@@ -98,9 +98,9 @@ std::optional<SerialDevice> serialDeviceOf(const TtyFacts& facts)
 
 bool isSameDevice(const SerialDevice& first, const SerialDevice& second)
 {
-    const bool isOneOfTime =
-        first.initializedAt == second.initializedAt || first.initializedAt == 0 || second.initializedAt == 0;
-    return isOneOfTime && std::tie(first.sysPath, first.node, first.name, first.calloutPaths) ==
+    const bool agreeInTime =
+        first.initializedAt == 0 || second.initializedAt == 0 || first.initializedAt == second.initializedAt;
+    return agreeInTime && std::tie(first.sysPath, first.node, first.name, first.calloutPaths) ==
                               std::tie(second.sysPath, second.node, second.name, second.calloutPaths);
 }
 
