@@ -9,6 +9,7 @@
 #include "platform/BackgroundQueue.h"
 #include "platform/OpenPanel.h"
 #include "platform/Platform.h"
+#include "platform/StayAwake.h"
 #include "platform/System.h"
 #include "platform/UrlFetch.h"
 #include "text/Text.h"
@@ -56,6 +57,7 @@ FirmwareUpdate::FirmwareUpdate(DeviceTabController& tab)
     , m_alerts(Platform::current().alerts)
     , m_openPanel(Platform::current().openPanel)
     , m_pause(Platform::current().pause)
+    , m_stayAwake(Platform::current().stayAwake)
     , m_backgroundQueue(Platform::current().backgroundQueue)
     , m_mainQueue(Platform::current().mainQueue)
     , m_urlFetch(Platform::current().urlFetch)
@@ -173,6 +175,7 @@ void FirmwareUpdate::UpdateFirmwareWrite2()
 {
     try {
         m_bootloaderSequence = BootloaderSequence::Three;
+        const auto awake = m_stayAwake.stayAwake(firmware_text::kUploading);
         writeImage();
     } catch (const std::exception&) {
         m_tab.displayAlert(firmware_text::kProblemDuringImage, device_text::kError);

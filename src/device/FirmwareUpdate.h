@@ -16,6 +16,7 @@ class Control;
 class MainQueue;
 class OpenPanel;
 class Pause;
+class StayAwake;
 class UrlFetch;
 } // namespace vorrano::platform
 
@@ -82,6 +83,7 @@ private:
     platform::Alerts& m_alerts;
     platform::OpenPanel& m_openPanel;
     platform::Pause& m_pause;
+    platform::StayAwake& m_stayAwake;
     platform::BackgroundQueue& m_backgroundQueue;
     platform::MainQueue& m_mainQueue;
     platform::UrlFetch& m_urlFetch;

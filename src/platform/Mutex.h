@@ -2,8 +2,8 @@
 
 #include <mutex>
 
-// clang checks at compile time (-Wthread-safety) that what a mutex guards is touched only while the mutex is held. Other
-// compilers ignore these.
+// clang checks at compile time (-Wthread-safety) that what a mutex guards is touched only while the mutex is held.
+// Other compilers ignore these.
 #ifdef __clang__
 #define VORRANO_THREAD_SAFETY(attribute) __attribute__((attribute))
 #else

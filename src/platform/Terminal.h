@@ -18,10 +18,13 @@ struct SystemResult {
     [[nodiscard]] bool failed() const { return error != 0; }
 };
 
-// A terminal's settings: the POSIX record, and the rate in baud where it is none of the standard ones.
+// A terminal's settings: the POSIX record, and beside it each rate in baud that is none of the standard ones.
 struct TerminalAttributes {
     termios record{};
+    // The output's, which is the input's too unless the record gives the input a rate of its own.
     std::optional<std::uint64_t> customSpeed;
+    // The input's own rate.
+    std::optional<std::uint64_t> customInputSpeed;
 };
 
 enum class ApplyAttributes { Now, AfterDrain };
@@ -49,7 +52,8 @@ public:
     virtual SystemResult attributes(int descriptor, TerminalAttributes& into) = 0;
     virtual SystemResult setAttributes(int descriptor, ApplyAttributes when, const TerminalAttributes& attributes) = 0;
 
-    // Writes the rate into the record: the standard rates as such, any other as a custom one. EINVAL: no such rate.
+    // Writes the rate into the record, for both directions: the standard rates as such, any other as a custom one.
+    // EINVAL: no such rate.
     virtual SystemResult setSpeed(TerminalAttributes& attributes, std::uint64_t baud) = 0;
 
     // The modem lines as TIOCM bits, in `value`. ENXIO when the device behind the open descriptor is gone.

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -29,6 +30,17 @@ protected:
         EXPECT_EQ(result.error, 0);
         bytes.resize(static_cast<std::size_t>(std::max(result.value, 0)));
         return bytes;
+    }
+
+    // What an opener without locks gets, 0 or an errno. For a process of its own, which it leaves without root's
+    // rights: root passes every exclusive terminal.
+    [[nodiscard]] int plainOpenOfAnotherUser() const
+    {
+        constexpr uid_t kNobody = 65534;
+        if (::geteuid() == 0 && ::setuid(kNobody) != 0) {
+            return 255;
+        }
+        return ::open(pty.node().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK) >= 0 ? 0 : errno;
     }
 };
 
@@ -113,21 +125,26 @@ TEST_F(LinuxTerminal, RefusesASecondOpenerOfTheSameProcess)
 
 TEST_F(LinuxTerminal, KeepsOutThoseWhoTakeNoLock)
 {
-    constexpr uid_t kNobody = 65534;
     ASSERT_EQ(::chmod(pty.node().c_str(), 0666), 0);
-    const auto plainOpen = [this] {
-        // Root passes every exclusive terminal.
-        if (::geteuid() == 0 && ::setuid(kNobody) != 0) {
-            return 255;
-        }
-        return ::open(pty.node().c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK) >= 0 ? 0 : errno;
-    };
     const int line = opened();
-    EXPECT_EQ(inAnotherProcess(plainOpen), EBUSY);
+    EXPECT_EQ(inAnotherProcess([this] { return plainOpenOfAnotherUser(); }), EBUSY);
 
     ASSERT_EQ(terminal.close(line).error, 0);
 
-    EXPECT_EQ(inAnotherProcess(plainOpen), 0);
+    EXPECT_EQ(inAnotherProcess([this] { return plainOpenOfAnotherUser(); }), 0);
+}
+
+TEST_F(LinuxTerminal, LeavesTheLineAsItWasWhenAnotherHolderOfItsLockRefusesIt)
+{
+    // A holder that keeps nobody out but those who ask for the lock.
+    ASSERT_EQ(::chmod(pty.node().c_str(), 0666), 0);
+    const int holder = ::open(pty.node().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ASSERT_EQ(::flock(holder, LOCK_EX | LOCK_NB), 0);
+
+    EXPECT_EQ(terminal.open(kPath).error, EBUSY);
+
+    EXPECT_EQ(inAnotherProcess([this] { return plainOpenOfAnotherUser(); }), 0);
+    ::close(holder);
 }
 
 TEST_F(LinuxTerminal, GivesTheLineFreeForAnotherProcessBeforeTheNumberIsReleased)

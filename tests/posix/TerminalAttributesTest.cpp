@@ -66,7 +66,19 @@ TEST(KernelRecord, HoldsAllFieldsAndTheCustomRate)
     EXPECT_EQ(settings.discipline, 3);
     EXPECT_EQ(settings.characters[VMIN], 1);
     EXPECT_EQ(settings.characters[VTIME], 2);
-    EXPECT_EQ(settings.speed, 250000U);
+    EXPECT_EQ(settings.outputSpeed, 250000U);
+}
+
+TEST(KernelRecord, HoldsACustomRateOfTheInputsOwn)
+{
+    TerminalAttributes attributes;
+    attributes.customInputSpeed = 31250;
+    attributes.record.c_cflag = CS8 | B9600 | B38400 << linux_platform::kInputRateShift;
+
+    const KernelSettings settings = kernelSettings(attributes);
+
+    EXPECT_EQ(settings.control, CS8 | B9600 | linux_platform::kCustomInputRate);
+    EXPECT_EQ(settings.inputSpeed, 31250U);
 }
 
 class LineAttributes : public support::PtyTest {
@@ -116,13 +128,14 @@ TEST_F(LineAttributes, AreRestoredByWhatWasReadBefore)
     ASSERT_EQ(terminal.setSpeed(changed, 9600).error, 0);
     ASSERT_EQ(terminal.setAttributes(line, ApplyAttributes::Now, changed).error, 0);
     ASSERT_EQ(held().characters[VMIN], 7);
-    ASSERT_EQ(held().speed, 9600U);
+    ASSERT_EQ(held().outputSpeed, 9600U);
 
     EXPECT_EQ(terminal.setAttributes(line, ApplyAttributes::AfterDrain, original).error, 0);
 
     const KernelSettings after = held();
-    EXPECT_EQ(std::tie(after.input, after.output, after.control, after.local, after.characters, after.speed),
-              std::tie(before.input, before.output, before.control, before.local, before.characters, before.speed));
+    EXPECT_EQ(
+        std::tie(after.input, after.output, after.control, after.local, after.characters, after.outputSpeed),
+        std::tie(before.input, before.output, before.control, before.local, before.characters, before.outputSpeed));
 }
 
 TEST_F(LineAttributes, TakeAStandardRate)
@@ -130,7 +143,7 @@ TEST_F(LineAttributes, TakeAStandardRate)
     set(9600);
 
     const TerminalAttributes attributes = current();
-    EXPECT_EQ(held().speed, 9600U);
+    EXPECT_EQ(held().outputSpeed, 9600U);
     EXPECT_EQ(::cfgetospeed(&attributes.record), B9600);
     EXPECT_EQ(attributes.customSpeed, std::nullopt);
 }
@@ -141,7 +154,7 @@ TEST_F(LineAttributes, TakeAnyOtherRateAndReadItBack)
         for (const std::uint64_t baud : {std::uint64_t(250000), std::uint64_t(14400), std::uint64_t(31250)}) {
             set(baud, when);
 
-            EXPECT_EQ(held().speed, baud);
+            EXPECT_EQ(held().outputSpeed, baud);
             EXPECT_EQ(current().customSpeed, baud);
         }
     }
@@ -152,11 +165,11 @@ TEST_F(LineAttributes, RestoreACustomRateThatWasThereBefore)
     set(250000);
     const TerminalAttributes original = current();
     set(9600);
-    ASSERT_EQ(held().speed, 9600U);
+    ASSERT_EQ(held().outputSpeed, 9600U);
 
     EXPECT_EQ(terminal.setAttributes(line, ApplyAttributes::AfterDrain, original).error, 0);
 
-    EXPECT_EQ(held().speed, 250000U);
+    EXPECT_EQ(held().outputSpeed, 250000U);
 }
 
 TEST_F(LineAttributes, ReturnFromACustomRateToAStandardOne)
@@ -165,7 +178,7 @@ TEST_F(LineAttributes, ReturnFromACustomRateToAStandardOne)
 
     set(115200);
 
-    EXPECT_EQ(held().speed, 115200U);
+    EXPECT_EQ(held().outputSpeed, 115200U);
     EXPECT_EQ(current().customSpeed, std::nullopt);
 }
 
@@ -180,6 +193,83 @@ TEST_F(LineAttributes, KeepTheirOtherSettingsAtACustomRate)
 
     EXPECT_EQ(held().characters[VTIME], 2);
     EXPECT_NE(held().control & HUPCL, 0U);
+}
+
+// Rates of a line that another program has split: the output's and the input's.
+struct SplitRates {
+    const char* name;
+    std::uint32_t control;
+    std::uint32_t output;
+    std::uint32_t input;
+};
+
+class LineWithSplitRates : public LineAttributes, public testing::WithParamInterface<SplitRates> {
+protected:
+    // Pairs of the output's rate and the input's.
+    [[nodiscard]] std::pair<std::uint32_t, std::uint32_t> heldRates()
+    {
+        const auto settings = held();
+        return {settings.outputSpeed, settings.inputSpeed};
+    }
+
+    // As the other program does it.
+    void split()
+    {
+        auto settings = held();
+        settings.control = (settings.control & ~static_cast<tcflag_t>(CBAUD | CIBAUD)) | GetParam().control;
+        settings.outputSpeed = GetParam().output;
+        settings.inputSpeed = GetParam().input;
+        ASSERT_EQ(linux_platform::applyNow(pty.master(), settings), 0);
+        ASSERT_EQ(heldRates(), std::pair(GetParam().output, GetParam().input));
+    }
+};
+
+constexpr tcflag_t inputRate(tcflag_t rate) { return rate << linux_platform::kInputRateShift; }
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, LineWithSplitRates,
+    testing::Values(SplitRates{"StandardBoth", B9600 | inputRate(B38400), 9600, 38400},
+                    SplitRates{"CustomInput", B9600 | inputRate(linux_platform::kCustomRate), 9600, 31250},
+                    SplitRates{"CustomOutput", linux_platform::kCustomRate | inputRate(B38400), 250000, 38400},
+                    SplitRates{"CustomBoth", linux_platform::kCustomRate | linux_platform::kCustomInputRate, 250000,
+                               31250}),
+    [](const auto& parameter) { return parameter.param.name; });
+
+TEST_P(LineWithSplitRates, TakeAStandardRateInBothDirections)
+{
+    split();
+
+    set(19200);
+
+    EXPECT_EQ(heldRates(), std::pair(19200U, 19200U));
+    EXPECT_EQ(current().customSpeed, std::nullopt);
+    EXPECT_EQ(current().customInputSpeed, std::nullopt);
+}
+
+TEST_P(LineWithSplitRates, TakeAnyOtherRateInBothDirections)
+{
+    split();
+
+    set(14400);
+
+    EXPECT_EQ(heldRates(), std::pair(14400U, 14400U));
+    EXPECT_EQ(current().customSpeed, 14400U);
+    EXPECT_EQ(current().customInputSpeed, std::nullopt);
+}
+
+TEST_P(LineWithSplitRates, AreRestoredByWhatWasReadBefore)
+{
+    split();
+    const auto control = held().control;
+    const TerminalAttributes original = current();
+
+    for (const ApplyAttributes when : {ApplyAttributes::Now, ApplyAttributes::AfterDrain}) {
+        set(19200);
+        ASSERT_EQ(terminal.setAttributes(line, when, original).error, 0);
+
+        EXPECT_EQ(heldRates(), std::pair(GetParam().output, GetParam().input));
+        EXPECT_EQ(held().control, control);
+    }
 }
 
 TEST_F(LineAttributes, KnowNoRateBeyond32Bits)

@@ -148,13 +148,15 @@ SystemResult FakeTerminal::setSpeed(TerminalAttributes& attributes, std::uint64_
     }
     const auto isRate = [baud](const auto& speed) { return speed.first == baud; };
     const auto standard = std::find_if(kStandardSpeeds.begin(), kStandardSpeeds.end(), isRate);
+    if (standard == kStandardSpeeds.end() && baud > UINT32_MAX) {
+        return failure(EINVAL);
+    }
+    attributes.record.c_cflag &= ~static_cast<tcflag_t>(CIBAUD);
+    attributes.customInputSpeed.reset();
     if (standard != kStandardSpeeds.end()) {
         attributes.customSpeed.reset();
         ::cfsetspeed(&attributes.record, standard->second);
         return {};
-    }
-    if (baud > UINT32_MAX) {
-        return failure(EINVAL);
     }
     attributes.customSpeed = baud;
     return {};

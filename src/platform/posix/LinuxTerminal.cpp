@@ -32,6 +32,27 @@ SystemResult failureWith(int error) { return {-1, error}; }
 // A length that a result can hold.
 std::size_t limited(std::size_t length) { return std::min<std::size_t>(length, INT_MAX); }
 
+// Asks the kernel for the rates that the record itself can't hold; 0, or the errno of the failing call.
+int readCustomSpeeds(int descriptor, platform::TerminalAttributes& attributes)
+{
+    const bool output = saysCustomSpeed(attributes.record);
+    const bool input = saysCustomInputSpeed(attributes.record);
+    if (!output && !input) {
+        return 0;
+    }
+    KernelSettings settings;
+    if (const int error = readKernelSettings(descriptor, settings); error != 0) {
+        return error;
+    }
+    if (output) {
+        attributes.customSpeed = settings.outputSpeed;
+    }
+    if (input) {
+        attributes.customInputSpeed = settings.inputSpeed;
+    }
+    return 0;
+}
+
 // Takes the open line for this opener alone; 0 or the errno of the refusal.
 int takeForOneself(int descriptor)
 {
@@ -96,12 +117,8 @@ SystemResult LinuxTerminal::attributes(int descriptor, platform::TerminalAttribu
     if (const auto result = resultOf(::tcgetattr(descriptor, &read.record)); result.failed()) {
         return result;
     }
-    if (saysCustomSpeed(read.record)) {
-        KernelSettings settings;
-        if (const int error = readKernelSettings(descriptor, settings); error != 0) {
-            return failureWith(error);
-        }
-        read.customSpeed = settings.speed;
+    if (const int error = readCustomSpeeds(descriptor, read); error != 0) {
+        return failureWith(error);
     }
     into = read;
     return {};
@@ -111,7 +128,7 @@ SystemResult LinuxTerminal::setAttributes(int descriptor, platform::ApplyAttribu
                                           const platform::TerminalAttributes& attributes)
 {
     const bool drained = when == platform::ApplyAttributes::AfterDrain;
-    if (!attributes.customSpeed) {
+    if (!attributes.customSpeed && !attributes.customInputSpeed) {
         return resultOf(::tcsetattr(descriptor, drained ? TCSADRAIN : TCSANOW, &attributes.record));
     }
     const auto settings = kernelSettings(attributes);
@@ -121,15 +138,19 @@ SystemResult LinuxTerminal::setAttributes(int descriptor, platform::ApplyAttribu
 
 SystemResult LinuxTerminal::setSpeed(platform::TerminalAttributes& attributes, std::uint64_t baud)
 {
-    if (const auto speed = standardSpeed(baud)) {
-        attributes.customSpeed.reset();
-        return resultOf(::cfsetspeed(&attributes.record, *speed));
-    }
-    if (baud > UINT32_MAX) {
+    const auto speed = standardSpeed(baud);
+    if (!speed && baud > UINT32_MAX) {
         return failureWith(EINVAL);
     }
-    attributes.customSpeed = baud;
-    return {};
+    // The C library changes the output's rate only, which is the input's too unless another program has split them.
+    joinInputRate(attributes.record);
+    attributes.customInputSpeed.reset();
+    if (!speed) {
+        attributes.customSpeed = baud;
+        return {};
+    }
+    attributes.customSpeed.reset();
+    return resultOf(::cfsetspeed(&attributes.record, *speed));
 }
 
 SystemResult LinuxTerminal::modemLines(int descriptor)

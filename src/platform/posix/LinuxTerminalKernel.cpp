@@ -13,6 +13,7 @@ namespace vorrano::linux_platform {
 namespace {
 
 static_assert(kCustomRate == BOTHER);
+static_assert(kInputRateShift == IBSHIFT);
 
 int apply(int descriptor, unsigned long request, const KernelSettings& settings)
 {
@@ -24,8 +25,8 @@ int apply(int descriptor, unsigned long request, const KernelSettings& settings)
     record.c_line = settings.discipline;
     static_assert(sizeof(record.c_cc) == sizeof(settings.characters));
     std::copy(settings.characters.begin(), settings.characters.end(), std::begin(record.c_cc));
-    record.c_ispeed = settings.speed;
-    record.c_ospeed = settings.speed;
+    record.c_ispeed = settings.inputSpeed;
+    record.c_ospeed = settings.outputSpeed;
     return ::ioctl(descriptor, request, &record) == 0 ? 0 : errno;
 }
 
@@ -43,7 +44,8 @@ int readKernelSettings(int descriptor, KernelSettings& into)
     into.local = record.c_lflag;
     into.discipline = record.c_line;
     std::copy(std::begin(record.c_cc), std::end(record.c_cc), into.characters.begin());
-    into.speed = record.c_ospeed;
+    into.outputSpeed = record.c_ospeed;
+    into.inputSpeed = record.c_ispeed;
     return 0;
 }
 

@@ -13,12 +13,16 @@ struct KernelSettings {
     std::uint32_t local = 0;
     std::uint8_t discipline = 0;
     std::array<std::uint8_t, 19> characters{};
-    // In baud, both ways.
-    std::uint32_t speed = 0;
+    // In baud. The kernel takes each from the control flags, unless these say that the rate is a custom one.
+    std::uint32_t outputSpeed = 0;
+    std::uint32_t inputSpeed = 0;
 };
 
-// The rate bits of the control flags that send the kernel to `speed`.
+// The output's rate bits in the control flags that stand for a custom rate, and where the input's rate bits begin.
+// Input bits of 0 mean that the input has the output's rate.
 inline constexpr std::uint32_t kCustomRate = 0x1000;
+inline constexpr unsigned kInputRateShift = 16;
+inline constexpr std::uint32_t kCustomInputRate = kCustomRate << kInputRateShift;
 
 // 0, or the errno of the failing call.
 [[nodiscard]] int readKernelSettings(int descriptor, KernelSettings& into);

@@ -60,17 +60,28 @@ std::optional<speed_t> standardSpeed(std::uint64_t baud)
 
 bool saysCustomSpeed(const termios& record) { return (record.c_cflag & CBAUD) == kCustomRate; }
 
+bool saysCustomInputSpeed(const termios& record) { return (record.c_cflag & CIBAUD) == kCustomInputRate; }
+
+void joinInputRate(termios& record) { record.c_cflag &= ~static_cast<tcflag_t>(CIBAUD); }
+
 KernelSettings kernelSettings(const platform::TerminalAttributes& attributes)
 {
     const termios& record = attributes.record;
     KernelSettings settings;
     settings.input = record.c_iflag & ~kInputRateZero;
     settings.output = record.c_oflag;
-    settings.control = (record.c_cflag & ~static_cast<tcflag_t>(CBAUD | CIBAUD)) | kCustomRate;
+    settings.control = record.c_cflag;
     settings.local = record.c_lflag;
     settings.discipline = record.c_line;
     std::copy_n(std::begin(record.c_cc), settings.characters.size(), settings.characters.begin());
-    settings.speed = static_cast<std::uint32_t>(attributes.customSpeed.value_or(0));
+    if (attributes.customSpeed) {
+        settings.control = (settings.control & ~static_cast<tcflag_t>(CBAUD)) | kCustomRate;
+        settings.outputSpeed = static_cast<std::uint32_t>(*attributes.customSpeed);
+    }
+    if (attributes.customInputSpeed) {
+        settings.control = (settings.control & ~static_cast<tcflag_t>(CIBAUD)) | kCustomInputRate;
+        settings.inputSpeed = static_cast<std::uint32_t>(*attributes.customInputSpeed);
+    }
     return settings;
 }
 
