@@ -1,6 +1,7 @@
 #include "device/DeviceTabController.h"
 
 #include "app/session/Text.h"
+#include "device/ConnectionNotice.h"
 #include "device/DeviceTexts.h"
 #include "platform/Alerts.h"
 #include "platform/NotificationCentre.h"
@@ -35,7 +36,7 @@ DeviceTabController::DeviceTabController(std::string_view layoutName)
     : m_alerts(Platform::current().alerts)
     , m_notificationCentre(Platform::current().notificationCentre)
     , m_view(Platform::current().layouts.loadView(layoutName))
-    , m_noVorranoConnectedLabel(m_view->label("noVorranoConnectedLabel"))
+    , m_connectionNoticeLabel(m_view->label("connectionNoticeLabel"))
 {}
 
 DeviceTabController::~DeviceTabController() = default;
@@ -43,9 +44,8 @@ DeviceTabController::~DeviceTabController() = default;
 void DeviceTabController::awakeFromNib()
 {
     initializeSerialPortForCommunication();
-    updateNoVorranoConnectedLabel();
-    m_listObservation = m_portManager->observeAvailablePorts(
-        [this](const serial::SerialPortsChange&) { updateNoVorranoConnectedLabel(); });
+    m_listObservation =
+        m_portManager->observeAvailablePorts([this](const serial::SerialPortsChange&) { updateConnectionNotice(); });
 }
 
 void DeviceTabController::initializeSerialPortForCommunication()
@@ -64,6 +64,7 @@ void DeviceTabController::initializeSerialPortForCommunication()
         m_serialPort->setBaudRate(std::make_shared<const unsigned long>(kBaudRate));
     }
     m_incomingDataBuffer.clear();
+    updateConnectionNotice();
 }
 
 std::size_t DeviceTabController::indexOfDevice()
@@ -103,13 +104,15 @@ platform::Subscription DeviceTabController::observeConnections()
         [this](const platform::Notification&) { initializeSerialPortForCommunication(); });
 }
 
-bool DeviceTabController::isVorranoListed() const
+void DeviceTabController::updateConnectionNotice()
 {
     const auto& ports = m_portManager->availablePorts();
-    return std::any_of(ports.begin(), ports.end(), isVorrano);
+    const auto notice =
+        connectionNotice({.isVorranoListed = std::any_of(ports.begin(), ports.end(), isVorrano),
+                          .isPortListed = std::find(ports.begin(), ports.end(), m_serialPort) != ports.end()});
+    m_connectionNoticeLabel.setText(std::string(notice.value_or("")));
+    m_connectionNoticeLabel.setHidden(!notice);
 }
-
-void DeviceTabController::updateNoVorranoConnectedLabel() { m_noVorranoConnectedLabel.setHidden(isVorranoListed()); }
 
 void DeviceTabController::displayAndStartProgressIndicator(platform::Control&)
 {

@@ -34,7 +34,7 @@ inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 // each path, so tabs share it, and it has one delegate: the tab that took it last. A tab without a port goes on as
 // ever, only its bytes go nowhere.
 //
-// Controls: the label noVorranoConnectedLabel, shown while no listed path contains kVorranoPath; in a tab that uses the
+// Controls: the label connectionNoticeLabel, shown while the tab's commands reach no Vorrano; in a tab that uses the
 // progress display, loginProgressIndicator.
 // Threads: the main thread; the last reference may fall on any.
 // Lifetime: the setup window's, until the tab is chosen again. Destruction neither closes the port nor takes it away
@@ -134,13 +134,12 @@ protected:
     serial::Bytes m_incomingDataBuffer;
 
 private:
-    [[nodiscard]] bool isVorranoListed() const;
-    void updateNoVorranoConnectedLabel();
+    void updateConnectionNotice();
 
     platform::Alerts& m_alerts;
     platform::NotificationCentre& m_notificationCentre;
     std::shared_ptr<platform::View> m_view;
-    platform::Label& m_noVorranoConnectedLabel;
+    platform::Label& m_connectionNoticeLabel;
     std::shared_ptr<serial::SerialPortManager> m_portManager;
     std::vector<std::shared_ptr<serial::SerialPort>> m_availablePorts;
     std::shared_ptr<serial::SerialPort> m_serialPort;

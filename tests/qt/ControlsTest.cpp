@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QImage>
+#include <QLabel>
 #include <QLineEdit>
 #include <QtTest/QTest>
 
@@ -120,15 +121,42 @@ TEST_F(Controls, ReturnPressesTheButtonWithTheFocusRatherThanTheDefaultOne)
 
 TEST_F(Controls, HiddenAndEnabledAreTheControlsOwn)
 {
-    auto& label = view.label("noVorranoConnectedLabel");
+    auto& label = view.label("connectionNoticeLabel");
     EXPECT_FALSE(label.isHidden());
 
     label.setHidden(true);
     EXPECT_TRUE(label.isHidden());
-    EXPECT_FALSE(widget<QWidget>(view, "noVorranoConnectedLabel").isVisible());
+    EXPECT_FALSE(widget<QWidget>(view, "connectionNoticeLabel").isVisible());
 
     frame(*window).setEnabled(false);
     EXPECT_TRUE(button.isEnabled());
+}
+
+TEST_F(Controls, LabelShowsAnotherTextAsItIs)
+{
+    view.label("connectionNoticeLabel").setText("<b>No</b> Vorrano & no cable");
+
+    const auto& shown = widget<QLabel>(view, "connectionNoticeLabel");
+    EXPECT_EQ(shown.text(), "<b>No</b> Vorrano & no cable");
+    EXPECT_EQ(shown.textFormat(), Qt::PlainText);
+}
+
+TEST_F(Controls, ConnectionNoticeStaysLegibleOnADimmedScreen)
+{
+    for (const auto* const layout :
+         {"RegisterVorranoViewController", "WifiSetupViewController", "UtilitiesViewController"}) {
+        const auto screen = layouts.loadView(layout);
+        screen->label("connectionNoticeLabel").setText("No Vorrano");
+        auto& root = dynamic_cast<QtView&>(*screen).root();
+        root.resize(root.sizeHint());
+        root.show();
+        const QRect place = widget<QLabel>(*screen, "connectionNoticeLabel").geometry();
+        const QImage before = root.grab(place).toImage();
+
+        screen->setAlpha(0.3);
+
+        EXPECT_EQ(root.grab(place).toImage(), before) << layout;
+    }
 }
 
 TEST_F(Controls, SpinnerIsHiddenAtFirstAndTurnsInTheMiddleOfItsScreen)
@@ -187,6 +215,7 @@ TEST_F(Controls, AlphaFadesTheScreenTowardsTheWindowsColourAndBack)
         }
         return value;
     };
+    view.label("connectionNoticeLabel").setHidden(true);
     const int before = darkest();
     EXPECT_EQ(view.alpha(), 1.0);
 
