@@ -26,8 +26,10 @@ QtView::QtView(std::unique_ptr<QWidget> root, const QtSurroundings& surroundings
         if (widget->property("reveals").isValid()) {
             connectReveals(*widget);
         }
-        if (dynamic_cast<Spinner*>(widget) != nullptr || widget->property("undimmed").toBool()) {
+        if (dynamic_cast<Spinner*>(widget) != nullptr) {
             m_undimmed.push_back(widget);
+        } else if (widget->property("undimmed").toBool()) {
+            m_undimmed.push_front(widget);
         }
     }
 }

@@ -5,10 +5,10 @@
 
 #include <QPointer>
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace vorrano::qt {
 
@@ -49,7 +49,8 @@ private:
     QWidget* m_root;
     Dimmer* m_dimmer = nullptr;
     double m_alpha = 1.0;
-    std::vector<QWidget*> m_undimmed;
+    // The spinners at the end, as they are above everything else.
+    std::deque<QWidget*> m_undimmed;
     // All of the layout, asked for or not, as each keeps out what comes while it takes no input. A view that is put
     // into a page of this one has names of its own.
     std::map<std::string, std::unique_ptr<platform::Control>, std::less<>> m_controls;
