@@ -114,6 +114,15 @@ void DeviceTabController::updateConnectionNotice()
     m_connectionNoticeLabel.setHidden(!notice);
 }
 
+void DeviceTabController::connectQuery(std::string_view button, DeviceCommand command)
+{
+    m_view->button(button).onPress([weak = weak_from_this(), command](platform::Control& sender) {
+        if (const auto self = weak.lock()) {
+            self->query(sender, command);
+        }
+    });
+}
+
 void DeviceTabController::displayAndStartProgressIndicator(platform::Control&)
 {
     m_view->setAlpha(kDimmed);
@@ -151,34 +160,30 @@ void DeviceTabController::sendRequest(serial::Bytes data, serial::ResponseEvalua
     }
 }
 
-void DeviceTabController::query(platform::Control& sender, DeviceCommand command, serial::ResponseEvaluator evaluator)
+void DeviceTabController::query(platform::Control& sender, DeviceCommand command)
 {
     displayAndStartProgressIndicator(sender);
     setQueryNumber(command);
-    sendRequest(bytesOf(command), std::move(evaluator));
+    sendRequest(bytesOf(command), evaluatorOf(command));
 }
 
-void DeviceTabController::sendFreeText(platform::Control& sender, DeviceCommand command, std::string value)
+void DeviceTabController::send(platform::Control& sender, DeviceCommand command, std::string argument)
 {
     displayAndStartProgressIndicator(sender);
     setQueryNumber(command);
     sendRequest(bytesOf(command));
-    sendRequest(std::move(value));
-    sendRequest(endMark(), atLeastFourBytes());
-}
-
-void DeviceTabController::sendCharacter(platform::Control& sender, DeviceCommand command, std::string character)
-{
-    displayAndStartProgressIndicator(sender);
-    setQueryNumber(command);
-    sendRequest(bytesOf(command));
-    sendRequest(std::move(character), atLeastFourBytes());
+    if (descriptionOf(command).argument == Argument::FreeText) {
+        sendRequest(std::move(argument));
+        sendRequest(endMark(), evaluatorOf(command));
+    } else {
+        sendRequest(std::move(argument), evaluatorOf(command));
+    }
 }
 
 void DeviceTabController::reset(platform::Control& sender, DeviceCommand command, std::string_view finished)
 {
     displayAndStartProgressIndicator(sender);
-    sendRequest(bytesOf(command), always());
+    sendRequest(bytesOf(command), evaluatorOf(command));
     displayAlert(finished, device_text::kSuccess);
     hideAndStopProgressIndicator(&sender);
 }

@@ -75,11 +75,10 @@ public:
     // Queues a request with the tabs' time limit, 2.0 s. Without an evaluator it is complete once it is written.
     void sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator = {});
 
-    // Exchanges: each starts the progress display, remembers the command and queues its requests all at once; the last
-    // one's evaluator ends it. A free text goes out with its end mark, a character without.
-    void query(platform::Control& sender, DeviceCommand command, serial::ResponseEvaluator evaluator);
-    void sendFreeText(platform::Control& sender, DeviceCommand command, std::string value);
-    void sendCharacter(platform::Control& sender, DeviceCommand command, std::string character);
+    // Exchanges: each starts the progress display, remembers the command and queues its requests all at once; the
+    // command's reply test, in the last of them, ends it. A free text goes out with its end mark, a character without.
+    void query(platform::Control& sender, DeviceCommand command);
+    void send(platform::Control& sender, DeviceCommand command, std::string argument);
 
     // Sends the reset, waits for nothing, and says that it is finished. The command remembered stays the one before.
     void reset(platform::Control& sender, DeviceCommand command, std::string_view finished);
@@ -116,6 +115,8 @@ protected:
     {
         m_view->button(button).onPress(handler(action));
     }
+    // Presses of the button ask the device that.
+    void connectQuery(std::string_view button, DeviceCommand command);
     template <class Tab>
     [[nodiscard]] platform::Action handler(void (Tab::*action)(platform::Control&))
     {

@@ -1,5 +1,7 @@
 #include "QtProgram.h"
 
+#include "support/DeviceLanguage.h"
+
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -89,12 +91,6 @@ const std::vector<Outlet> kOutlets{
     {kWifi, "saveKeyButton", Kind::Button},
     {kWifi, "loginProgressIndicator", Kind::ProgressIndicator},
     {kWifi, "buttonScanSSID", Kind::Button},
-    {kWifi, "saveSSIDButton", Kind::Button},
-    {kWifi, "saveSecurityTypeButton", Kind::Button},
-    {kWifi, "buttonCheckSSID", Kind::Button},
-    {kWifi, "buttonCheckPassword", Kind::Button},
-    {kWifi, "buttonCheckNetworkConnection", Kind::Button},
-    {kWifi, "buttonResetDevice", Kind::Button},
     {kWifi, "connectionNoticeLabel", Kind::Label},
     {kUtilities, "setSSID", Kind::TextField},
     {kUtilities, "setPassword", Kind::TextField},
@@ -102,22 +98,6 @@ const std::vector<Outlet> kOutlets{
     {kUtilities, "temperatureDisplayUnitButton", Kind::PopUpButton},
     {kUtilities, "loginProgressIndicator", Kind::ProgressIndicator},
     {kUtilities, "connectionNoticeLabel", Kind::Label},
-    {kUtilities, "buttonPowerStatus", Kind::Button},
-    {kUtilities, "buttonMacAddress", Kind::Button},
-    {kUtilities, "buttonFirmwareVersion", Kind::Button},
-    {kUtilities, "wifiFirmwareQuery", Kind::Button},
-    {kUtilities, "buttonGetSSID", Kind::Button},
-    {kUtilities, "buttonGetNetworkPassword", Kind::Button},
-    {kUtilities, "buttonADC", Kind::Button},
-    {kUtilities, "buttonNetworkConnectivityStatus", Kind::Button},
-    {kUtilities, "buttonGetThrottle", Kind::Button},
-    {kUtilities, "buttonSetSSID", Kind::Button},
-    {kUtilities, "buttonSetPassword", Kind::Button},
-    {kUtilities, "buttonSetThrottle", Kind::Button},
-    {kUtilities, "buttonGetTemperatureUnit", Kind::Button},
-    {kUtilities, "buttonSetTemperatureUnit", Kind::Button},
-    {kUtilities, "resetDevice", Kind::Button},
-    {kUtilities, "resetModem", Kind::Button},
     {kUtilities, "buttonUpdateFirmware", Kind::Button},
 };
 
@@ -134,6 +114,25 @@ TEST_P(Outlets, IsInItsLayoutAndOfItsKind)
 
 INSTANTIATE_TEST_SUITE_P(AllLayouts, Outlets, ::testing::ValuesIn(kOutlets),
                          [](const auto& test) { return std::string(test.param.layout) + "_" + test.param.name; });
+
+class DeviceButtons : public support::QtProgram, public ::testing::WithParamInterface<support::LanguageButton> {};
+
+TEST_P(DeviceButtons, AreInTheirLayoutWithWhatTheySend)
+{
+    const auto view = layouts.loadView(GetParam().screen);
+
+    EXPECT_NO_THROW((void)view->button(GetParam().button));
+    for (const auto& [field, value, isList] : GetParam().fields) {
+        if (isList) {
+            EXPECT_NO_THROW((void)view->popUpButton(field));
+        } else {
+            EXPECT_NO_THROW((void)view->textField(field));
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllLayouts, DeviceButtons, ::testing::ValuesIn(support::languageButtons()),
+                         [](const auto& test) { return test.param.testName(); });
 
 class EveryLayout : public support::QtProgram, public ::testing::WithParamInterface<const char*> {
 protected:

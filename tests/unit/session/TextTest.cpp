@@ -124,6 +124,8 @@ INSTANTIATE_TEST_SUITE_P(
                     DoubleCase{"1e+400", std::numeric_limits<double>::max()},
                     DoubleCase{"-1E+400", -std::numeric_limits<double>::max()},
                     DoubleCase{"0.001e+400", std::numeric_limits<double>::max()}, DoubleCase{"1000e-400", 0},
+                    DoubleCase{"1E-400", 0},
+                    DoubleCase{"1" + std::string(400, '0') + "x e-999", std::numeric_limits<double>::max()},
                     DoubleCase{"1" + std::string(400, '0') + "e", std::numeric_limits<double>::max()},
                     DoubleCase{"1" + std::string(400, '0') + "e-800", 0},
                     DoubleCase{"0." + std::string(400, '0') + "1e+900", std::numeric_limits<double>::max()},
