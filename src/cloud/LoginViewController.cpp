@@ -146,7 +146,8 @@ void LoginViewController::registerVorranoButton(Control&)
 
 void LoginViewController::agreementDidEnd(int returnCode)
 {
-    if (returnCode == kAccepted) {
+    // Without the agreement a sign-in has opened the setup window meanwhile; accepting opens no second one.
+    if (returnCode == kAccepted && m_eulaWindowViewController) {
         navigateToSetupMenu();
     }
     m_eulaWindowViewController.reset();
@@ -155,8 +156,12 @@ void LoginViewController::agreementDidEnd(int returnCode)
 void LoginViewController::navigateToSetupMenu()
 {
     if (const auto keyWindow = m_layouts.keyWindow()) {
-        keyWindow->close();
+        // A sign-in may succeed while the agreement is open: then the key window is that sheet, and closing the window
+        // under it closes both.
+        auto* const parent = keyWindow->sheetParent();
+        (parent != nullptr ? *parent : *keyWindow).close();
     }
+    m_eulaWindowViewController.reset();
     m_setupMenu = m_windows.makeSetupMenu();
     m_setupMenu->window()->show();
 }

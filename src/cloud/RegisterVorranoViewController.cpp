@@ -61,7 +61,7 @@ void RegisterVorranoViewController::queryForMacAddress()
         return;
     }
     setQueryNumber(DeviceCommand::MacAddress);
-    sendRequest(device::bytesOf(DeviceCommand::MacAddress), device::macPacket());
+    sendRequest(device::bytesOf(DeviceCommand::MacAddress), device::evaluatorOf(DeviceCommand::MacAddress));
 }
 
 serial::SerialPortCallbacks RegisterVorranoViewController::callbacks() const

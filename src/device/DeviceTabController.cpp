@@ -1,5 +1,6 @@
 #include "device/DeviceTabController.h"
 
+#include "device/ConnectionNotice.h"
 #include "device/DeviceTexts.h"
 #include "platform/Alerts.h"
 #include "platform/NotificationCentre.h"
@@ -41,7 +42,7 @@ DeviceTabController::DeviceTabController(std::string_view layoutName)
     : m_alerts(Platform::current().alerts)
     , m_notificationCentre(Platform::current().notificationCentre)
     , m_view(Platform::current().layouts.loadView(layoutName))
-    , m_noVorranoConnectedLabel(m_view->label("noVorranoConnectedLabel"))
+    , m_connectionNoticeLabel(m_view->label("connectionNoticeLabel"))
 {}
 
 DeviceTabController::~DeviceTabController() = default;
@@ -49,9 +50,8 @@ DeviceTabController::~DeviceTabController() = default;
 void DeviceTabController::awakeFromNib()
 {
     initializeSerialPortForCommunication();
-    updateNoVorranoConnectedLabel();
-    m_listObservation = m_portManager->observeAvailablePorts(
-        [this](const serial::SerialPortsChange&) { updateNoVorranoConnectedLabel(); });
+    m_listObservation =
+        m_portManager->observeAvailablePorts([this](const serial::SerialPortsChange&) { updateConnectionNotice(); });
 }
 
 void DeviceTabController::initializeSerialPortForCommunication()
@@ -70,6 +70,7 @@ void DeviceTabController::initializeSerialPortForCommunication()
         m_serialPort->setBaudRate(std::make_shared<const unsigned long>(kBaudRate));
     }
     m_incomingDataBuffer.clear();
+    updateConnectionNotice();
 }
 
 std::size_t DeviceTabController::indexOfDevice()
@@ -109,13 +110,24 @@ platform::Subscription DeviceTabController::observeConnections()
         [this](const platform::Notification&) { initializeSerialPortForCommunication(); });
 }
 
-bool DeviceTabController::isVorranoListed() const
+void DeviceTabController::updateConnectionNotice()
 {
     const auto& ports = m_portManager->availablePorts();
-    return std::any_of(ports.begin(), ports.end(), isVorrano);
+    const auto notice =
+        connectionNotice({.isVorranoListed = std::any_of(ports.begin(), ports.end(), isVorrano),
+                          .isPortListed = std::find(ports.begin(), ports.end(), m_serialPort) != ports.end()});
+    m_connectionNoticeLabel.setText(std::string(notice.value_or("")));
+    m_connectionNoticeLabel.setHidden(!notice);
 }
 
-void DeviceTabController::updateNoVorranoConnectedLabel() { m_noVorranoConnectedLabel.setHidden(isVorranoListed()); }
+void DeviceTabController::connectQuery(std::string_view button, DeviceCommand command)
+{
+    m_view->button(button).onPress([weak = weak_from_this(), command](platform::Control& sender) {
+        if (const auto self = weak.lock()) {
+            self->query(sender, command);
+        }
+    });
+}
 
 void DeviceTabController::displayAndStartProgressIndicator(platform::Control&)
 {
@@ -148,46 +160,42 @@ void DeviceTabController::displayAlert(std::optional<std::string_view> messageTe
 
 void DeviceTabController::sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
 {
-    send(makeRequest(std::move(data), std::move(evaluator)));
+    submit(makeRequest(std::move(data), std::move(evaluator)));
 }
 
-void DeviceTabController::send(const std::shared_ptr<serial::SerialRequest>& request)
+void DeviceTabController::submit(const std::shared_ptr<serial::SerialRequest>& request)
 {
     if (m_serialPort) {
         m_serialPort->sendRequest(request);
     }
 }
 
-void DeviceTabController::query(platform::Control& sender, DeviceCommand command, serial::ResponseEvaluator evaluator)
+void DeviceTabController::query(platform::Control& sender, DeviceCommand command)
 {
     displayAndStartProgressIndicator(sender);
     setQueryNumber(command);
-    const auto request = makeRequest(bytesOf(command), std::move(evaluator));
+    const auto request = makeRequest(bytesOf(command), evaluatorOf(command));
     request->setResponseSecret(command == DeviceCommand::ReadPassword);
-    send(request);
+    submit(request);
 }
 
-void DeviceTabController::sendFreeText(platform::Control& sender, DeviceCommand command, std::string value)
+void DeviceTabController::send(platform::Control& sender, DeviceCommand command, std::string argument)
 {
     displayAndStartProgressIndicator(sender);
     setQueryNumber(command);
     sendRequest(bytesOf(command));
-    sendRequest(std::move(value));
-    sendRequest(endMark(), atLeastFourBytes());
-}
-
-void DeviceTabController::sendCharacter(platform::Control& sender, DeviceCommand command, std::string character)
-{
-    displayAndStartProgressIndicator(sender);
-    setQueryNumber(command);
-    sendRequest(bytesOf(command));
-    sendRequest(std::move(character), atLeastFourBytes());
+    if (descriptionOf(command).argument == Argument::FreeText) {
+        sendRequest(std::move(argument));
+        sendRequest(endMark(), evaluatorOf(command));
+    } else {
+        sendRequest(std::move(argument), evaluatorOf(command));
+    }
 }
 
 void DeviceTabController::reset(platform::Control& sender, DeviceCommand command, std::string_view finished)
 {
     displayAndStartProgressIndicator(sender);
-    sendRequest(bytesOf(command), always());
+    sendRequest(bytesOf(command), evaluatorOf(command));
     displayAlert(finished, device_text::kSuccess);
     hideAndStopProgressIndicator(&sender);
 }

@@ -34,7 +34,7 @@ inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 // each path, so tabs share it, and it has one delegate: the tab that took it last. A tab without a port goes on as
 // ever, only its bytes go nowhere.
 //
-// Controls: the label noVorranoConnectedLabel, shown while no listed path contains kVorranoPath; in a tab that uses the
+// Controls: the label connectionNoticeLabel, shown while the tab's commands reach no Vorrano; in a tab that uses the
 // progress display, loginProgressIndicator.
 // Threads: the main thread; the last reference may fall on any.
 // Lifetime: the setup window's, until the tab is chosen again. Destruction neither closes the port nor takes it away
@@ -75,11 +75,10 @@ public:
     // Queues a request with the tabs' time limit, 2.0 s. Without an evaluator it is complete once it is written.
     void sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator = {});
 
-    // Exchanges: each starts the progress display, remembers the command and queues its requests all at once; the last
-    // one's evaluator ends it. A free text goes out with its end mark, a character without.
-    void query(platform::Control& sender, DeviceCommand command, serial::ResponseEvaluator evaluator);
-    void sendFreeText(platform::Control& sender, DeviceCommand command, std::string value);
-    void sendCharacter(platform::Control& sender, DeviceCommand command, std::string character);
+    // Exchanges: each starts the progress display, remembers the command and queues its requests all at once; the
+    // command's reply test, in the last of them, ends it. A free text goes out with its end mark, a character without.
+    void query(platform::Control& sender, DeviceCommand command);
+    void send(platform::Control& sender, DeviceCommand command, std::string argument);
 
     // Sends the reset, waits for nothing, and says that it is finished. The command remembered stays the one before.
     void reset(platform::Control& sender, DeviceCommand command, std::string_view finished);
@@ -116,6 +115,8 @@ protected:
     {
         m_view->button(button).onPress(handler(action));
     }
+    // Presses of the button ask the device that.
+    void connectQuery(std::string_view button, DeviceCommand command);
     template <class Tab>
     [[nodiscard]] platform::Action handler(void (Tab::*action)(platform::Control&))
     {
@@ -134,14 +135,13 @@ protected:
     serial::Bytes m_incomingDataBuffer;
 
 private:
-    void send(const std::shared_ptr<serial::SerialRequest>& request);
-    [[nodiscard]] bool isVorranoListed() const;
-    void updateNoVorranoConnectedLabel();
+    void submit(const std::shared_ptr<serial::SerialRequest>& request);
+    void updateConnectionNotice();
 
     platform::Alerts& m_alerts;
     platform::NotificationCentre& m_notificationCentre;
     std::shared_ptr<platform::View> m_view;
-    platform::Label& m_noVorranoConnectedLabel;
+    platform::Label& m_connectionNoticeLabel;
     std::shared_ptr<serial::SerialPortManager> m_portManager;
     std::vector<std::shared_ptr<serial::SerialPort>> m_availablePorts;
     std::shared_ptr<serial::SerialPort> m_serialPort;

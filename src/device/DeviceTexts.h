@@ -12,6 +12,10 @@ inline constexpr std::string_view kSuccess = "Success";
 inline constexpr std::string_view kTryAgain = "Please try again";
 inline constexpr std::string_view kFinishedResettingDevice = "Finished Resetting Device";
 
+inline constexpr std::string_view kNoVorranoConnected = "No Vorrano is connected. Plug it in with its USB cable.";
+inline constexpr std::string_view kVorranoInUseUnplugged =
+    "The Vorrano in use was unplugged. Another one is connected: choose this tab again to use it.";
+
 inline constexpr std::string_view kNoSSID = "Please enter a valid SSID";
 inline constexpr std::string_view kSSIDTooLong = "Network SSID cannot be greater than 32 characters";
 inline constexpr std::string_view kSSIDHasDollarSign =

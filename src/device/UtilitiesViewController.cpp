@@ -24,7 +24,6 @@ constexpr std::int64_t kSmallestThrottle = 21;
 constexpr std::int64_t kLargestThrottle = 90;
 constexpr std::size_t kShortestFirmwareVersion = 6;
 constexpr std::size_t kShortestWifiFirmwareVersion = 13;
-constexpr std::size_t kMacPacketLength = 19;
 constexpr std::string_view kZeroLine = "0\n\r";
 constexpr std::string_view kOneLine = "1\n\r";
 constexpr std::string_view kOkLine = "OK\n\r";
@@ -72,19 +71,19 @@ UtilitiesViewController::UtilitiesViewController()
 void UtilitiesViewController::connectActions()
 {
     using Tab = UtilitiesViewController;
-    connect("buttonPowerStatus", &Tab::buttonPowerStatus);
-    connect("buttonMacAddress", &Tab::buttonMacAddress);
-    connect("buttonFirmwareVersion", &Tab::buttonFirmwareVersion);
-    connect("wifiFirmwareQuery", &Tab::wifiFirmwareQuery);
-    connect("buttonGetSSID", &Tab::buttonGetSSID);
-    connect("buttonGetNetworkPassword", &Tab::buttonGetNetworkPassword);
-    connect("buttonADC", &Tab::buttonADC);
+    connectQuery("buttonPowerStatus", DeviceCommand::PowerStatus);
+    connectQuery("buttonMacAddress", DeviceCommand::MacAddress);
+    connectQuery("buttonGetSSID", DeviceCommand::ReadSSID);
+    connectQuery("buttonGetNetworkPassword", DeviceCommand::ReadPassword);
+    connectQuery("buttonGetThrottle", DeviceCommand::ReadThrottle);
+    connectRawQuery("buttonFirmwareVersion", DeviceCommand::FirmwareVersion);
+    connectRawQuery("wifiFirmwareQuery", DeviceCommand::WifiFirmwareVersion);
+    connectRawQuery("buttonADC", DeviceCommand::AdcVersion);
+    connectRawQuery("buttonGetTemperatureUnit", DeviceCommand::ReadTemperatureUnit);
     connect("buttonNetworkConnectivityStatus", &Tab::buttonNetworkConnectivityStatus);
-    connect("buttonGetThrottle", &Tab::buttonGetThrottle);
     connect("buttonSetSSID", &Tab::buttonSetSSID);
     connect("buttonSetPassword", &Tab::buttonSetPassword);
     connect("buttonSetThrottle", &Tab::buttonSetThrottle);
-    connect("buttonGetTemperatureUnit", &Tab::buttonGetTemperatureUnit);
     connect("buttonSetTemperatureUnit", &Tab::buttonSetTemperatureUnit);
     connect("resetDevice", &Tab::resetDevice);
     connect("resetModem", &Tab::resetModem);
@@ -114,43 +113,14 @@ void UtilitiesViewController::setUpTemperatureDisplayPopupButton()
     m_temperatureDisplayUnitButton.selectItem(titles[1]);
 }
 
-void UtilitiesViewController::buttonPowerStatus(Control& sender)
+void UtilitiesViewController::connectRawQuery(std::string_view button, DeviceCommand command)
 {
-    query(sender, DeviceCommand::PowerStatus, atLeastFourBytes());
-}
-
-void UtilitiesViewController::buttonMacAddress(Control& sender)
-{
-    query(sender, DeviceCommand::MacAddress, macPacket());
-}
-
-void UtilitiesViewController::buttonGetSSID(Control& sender)
-{
-    query(sender, DeviceCommand::ReadSSID, tripleTerminator(kShortestStoredText));
-}
-
-void UtilitiesViewController::buttonGetNetworkPassword(Control& sender)
-{
-    query(sender, DeviceCommand::ReadPassword, tripleTerminator(kShortestStoredText));
-}
-
-void UtilitiesViewController::buttonGetThrottle(Control& sender)
-{
-    query(sender, DeviceCommand::ReadThrottle, atLeastFourBytes());
-}
-
-void UtilitiesViewController::buttonFirmwareVersion(Control&) { queryRaw(DeviceCommand::FirmwareVersion); }
-
-void UtilitiesViewController::wifiFirmwareQuery(Control&) { queryRaw(DeviceCommand::WifiFirmwareVersion); }
-
-void UtilitiesViewController::buttonADC(Control&) { queryRaw(DeviceCommand::AdcVersion); }
-
-void UtilitiesViewController::buttonGetTemperatureUnit(Control&) { queryRaw(DeviceCommand::ReadTemperatureUnit); }
-
-void UtilitiesViewController::queryRaw(DeviceCommand command)
-{
-    setQueryNumber(command);
-    writeAwaitingAck(bytesOf(command));
+    view()->button(button).onPress([weak = weak_from_this(), command](Control&) {
+        if (const auto self = weak.lock()) {
+            self->setQueryNumber(command);
+            self->writeAwaitingAck(bytesOf(command));
+        }
+    });
 }
 
 void UtilitiesViewController::buttonNetworkConnectivityStatus(Control&)
@@ -166,7 +136,7 @@ void UtilitiesViewController::buttonSetSSID(Control& sender)
         displayAlertWithMessage(refusal);
         return;
     }
-    sendFreeText(sender, DeviceCommand::SetSSID, replaceSSIDSpacesWithDollarSign(ssid));
+    send(sender, DeviceCommand::SetSSID, replaceSSIDSpacesWithDollarSign(ssid));
 }
 
 void UtilitiesViewController::buttonSetPassword(Control& sender)
@@ -176,7 +146,7 @@ void UtilitiesViewController::buttonSetPassword(Control& sender)
         displayAlertWithMessage(refusal);
         return;
     }
-    sendFreeText(sender, DeviceCommand::SetPassword, password);
+    send(sender, DeviceCommand::SetPassword, password);
 }
 
 void UtilitiesViewController::buttonSetThrottle(Control& sender)
@@ -189,7 +159,7 @@ void UtilitiesViewController::buttonSetThrottle(Control& sender)
         displayAlert(utilities_text::kInvalidThrottle, utilities_text::kThrottleRange);
         return;
     }
-    sendCharacter(sender, DeviceCommand::SetThrottle, characterOfLow8Bits(storedThrottle(throttle)));
+    send(sender, DeviceCommand::SetThrottle, characterOfLow8Bits(storedThrottle(throttle)));
 }
 
 void UtilitiesViewController::buttonSetTemperatureUnit(Control&)
@@ -352,7 +322,7 @@ void UtilitiesViewController::displayTemperatureUnitSetAlert()
 
 bool UtilitiesViewController::dataBufferHasCompleteMacAddressPacket() const
 {
-    return incomingDataBuffer().size() >= kMacPacketLength;
+    return kMacPacket.isWhole(incomingDataBuffer());
 }
 
 void UtilitiesViewController::test()

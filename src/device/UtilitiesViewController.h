@@ -34,19 +34,10 @@ public:
 
     void awakeFromNib() override;
 
-    void buttonPowerStatus(platform::Control& sender);
-    void buttonMacAddress(platform::Control& sender);
-    void buttonFirmwareVersion(platform::Control& sender);
-    void wifiFirmwareQuery(platform::Control& sender);
-    void buttonGetSSID(platform::Control& sender);
-    void buttonGetNetworkPassword(platform::Control& sender);
-    void buttonADC(platform::Control& sender);
     void buttonNetworkConnectivityStatus(platform::Control& sender);
-    void buttonGetThrottle(platform::Control& sender);
     void buttonSetSSID(platform::Control& sender);
     void buttonSetPassword(platform::Control& sender);
     void buttonSetThrottle(platform::Control& sender);
-    void buttonGetTemperatureUnit(platform::Control& sender);
     void buttonSetTemperatureUnit(platform::Control& sender);
     void resetDevice(platform::Control& sender);
     void resetModem(platform::Control& sender);
@@ -84,7 +75,8 @@ public:
 
 private:
     void connectActions();
-    void queryRaw(DeviceCommand command);
+    // Presses of the button ask the device that, past the request queue.
+    void connectRawQuery(std::string_view button, DeviceCommand command);
     void routeToBootloader();
     void routeByQueryNumber();
     // An answer that comes in several chunks.

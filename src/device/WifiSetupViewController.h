@@ -40,9 +40,6 @@ public:
     void saveSecurityTypeButton(platform::Control& sender);
     void savePasswordButton(platform::Control& sender);
     void buttonSaveKey(platform::Control& sender);
-    void buttonCheckSSID(platform::Control& sender);
-    void buttonCheckPassword(platform::Control& sender);
-    void buttonCheckNetworkConnection(platform::Control& sender);
     void buttonResetDevice(platform::Control& sender);
 
     // The names of the security types and the device's own numbers for them, in the order in which they are offered.

@@ -165,6 +165,25 @@ def AReplyOfAnotherShapeDoesNotSignIn(world):
 
 
 @situation(program=LOOPBACK)
+def ASignInThatSucceedsUnderTheAgreementLeavesTheSetupWindowAlone(world):
+    world.vorrano.do("serviceFault", kind="slow", method="validateLogin", delay=5000)
+    sign_in(world)
+    wait_for("the request", lambda: world.vorrano.requests)
+    world.program.press("Create Account")
+    world.program.find("push button", "Accept")
+    world.picture("agreement")
+
+    world.program.find("page tab", "Wifi Setup")
+
+    wait_for("the setup window alone", lambda: len(world.program.windows()) == 1)
+    for gone in ("Accept", "Sign In"):
+        assert not world.program.look_for("push button", gone), gone
+    wait_for_fields(world, FIELDS)
+    world.display.close_window(world.program.pid)
+    assert world.program.wait() == 0
+
+
+@situation(program=LOOPBACK)
 def AReplyThatComesDuringAnAlertWaitsForIt(world):
     world.vorrano.do("serviceFault", kind="slow", delay=4000)
     sign_in(world, password="wrong")

@@ -104,6 +104,9 @@ std::size_t FakePowerEvents::watchers() const { return m_willSleep->size() + m_d
 std::optional<std::vector<std::string>> FakeWifi::scanForNetworks()
 {
     ++m_scans;
+    if (const auto meanwhile = std::exchange(m_meanwhile, nullptr)) {
+        meanwhile();
+    }
     return m_networks;
 }
 

@@ -98,11 +98,15 @@ public:
     [[nodiscard]] std::optional<std::vector<std::string>> scanForNetworks() override;
     void setNetworks(std::optional<std::vector<std::string>> networks) { m_networks = std::move(networks); }
 
+    // Runs inside the next scan.
+    void whileScanning(std::function<void()> meanwhile) { m_meanwhile = std::move(meanwhile); }
+
     // How often the program scanned.
     [[nodiscard]] int scans() const { return m_scans; }
 
 private:
     std::optional<std::vector<std::string>> m_networks;
+    std::function<void()> m_meanwhile;
     int m_scans = 0;
 };
 

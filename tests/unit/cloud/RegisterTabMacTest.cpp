@@ -155,6 +155,20 @@ TEST_F(RegisterTab, AsksAgainWhenItIsChosenAgain)
     EXPECT_EQ(controller->macAddressString(), kMacReply);
 }
 
+TEST_F(RegisterTab, OverwritesTheMacAddressWithALaterReply)
+{
+    openWithMac();
+    auto& line = world.terminal.line("/dev/cu.usbserial-A1B2");
+    line.onWrite({});
+    const std::string later = "00:1B:44:11:3A:B8\n\r";
+
+    controller->queryForMacAddress();
+    line.reply(later);
+    world.run();
+
+    EXPECT_EQ(controller->macAddressString(), later);
+}
+
 TEST_F(RegisterTab, KeepsTheMacAddressWhenTheVorranoIsUnplugged)
 {
     openWithMac();

@@ -215,6 +215,34 @@ TEST_F(BootloaderDialogue, AfterAFailedOneBeginsAtTheFirstStepAgain)
     EXPECT_EQ(world.alerts.only(), kFinished);
 }
 
+TEST_F(BootloaderDialogue, IsForgottenWhenTheTabIsChosenAnewBeforeThePrompt)
+{
+    const TemporaryFile image("a\n");
+    beginUpdate(image.path());
+
+    chooseTab();
+    reply(">");
+
+    EXPECT_EQ(step(), BootloaderSequence::None);
+    EXPECT_EQ(line().written(), "7b");
+    EXPECT_THAT(alerts(), IsEmpty());
+    EXPECT_FALSE(isBusy());
+}
+
+TEST_F(BootloaderDialogue, IsForgottenWhenTheTabIsChosenAnewBeforeTheUpload)
+{
+    const TemporaryFile image("a\n");
+    beginUpdate(image.path());
+    reply(">");
+
+    chooseTab();
+    reply("U");
+
+    EXPECT_EQ(step(), BootloaderSequence::None);
+    EXPECT_EQ(line().written(), "7bu");
+    EXPECT_THAT(alerts(), IsEmpty());
+}
+
 TEST_F(BootloaderDialogue, WithoutAPortWaitsForAPromptThatNeverComes)
 {
     const TemporaryFile image("a\n");

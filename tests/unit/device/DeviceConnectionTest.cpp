@@ -11,8 +11,17 @@ namespace {
 
 // The connection that all of the device's tabs have alike, in one of them.
 struct DeviceConnection : DeviceTabTest<WifiSetupViewController> {
-    [[nodiscard]] bool saysThatNoVorranoIsConnected() { return !view().isHidden("noVorranoConnectedLabel"); }
+    // What the notice says; none while it is hidden.
+    [[nodiscard]] std::optional<std::string> notice()
+    {
+        const auto* const label = "connectionNoticeLabel";
+        return view().isHidden(label) ? std::nullopt : std::optional(view().labelText(label));
+    }
 };
+
+const std::string kNoVorrano = "No Vorrano is connected. Plug it in with its USB cable.";
+const std::string kOtherVorrano =
+    "The Vorrano in use was unplugged. Another one is connected: choose this tab again to use it.";
 
 TEST_F(DeviceConnection, TakesTheFirstPortWhosePathNamesAVorrano)
 {
@@ -218,29 +227,98 @@ TEST_F(DeviceConnection, SaysWhenNoVorranoIsConnected)
     world.plugSerialDevice("/dev/ttyS0");
 
     chooseTab();
-    EXPECT_TRUE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), kNoVorrano);
 
     auto& vorrano = world.plugVorrano();
     world.run();
-    EXPECT_FALSE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), std::nullopt);
 
     world.unplug(vorrano);
     world.advance(200ms);
-    EXPECT_TRUE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), kNoVorrano);
 }
 
-TEST_F(DeviceConnection, SaysNothingOfTheKindWhileAVorranoIsListed)
+TEST_F(DeviceConnection, SaysNothingWhileItsVorranoIsListed)
 {
     chooseTabWithVorrano();
 
-    EXPECT_FALSE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), std::nullopt);
 }
 
 TEST_F(DeviceConnection, SaysThatNoVorranoIsConnectedWhereThereIsNoPortAtAll)
 {
     chooseTab();
 
-    EXPECT_TRUE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), kNoVorrano);
+}
+
+TEST_F(DeviceConnection, SaysHowToUseTheOtherVorranoWhenTheOneInUseIsUnplugged)
+{
+    auto& first = world.plugVorrano("A1B2");
+    world.plugVorrano("C3D4");
+    chooseTab();
+
+    world.unplug(first);
+    world.advance(200ms);
+
+    EXPECT_EQ(tab->serialPort(), nullptr);
+    EXPECT_EQ(notice(), kOtherVorrano);
+}
+
+TEST_F(DeviceConnection, SaysHowToUseTheOtherVorranoAlsoToAPersonWhosePressDimsTheTab)
+{
+    auto& first = world.plugVorrano("A1B2");
+    world.plugVorrano("C3D4");
+    chooseTab();
+    world.unplug(first);
+    world.advance(200ms);
+
+    press("buttonCheckSSID");
+    world.advance(10s);
+
+    EXPECT_TRUE(isBusy());
+    EXPECT_EQ(notice(), kOtherVorrano);
+}
+
+TEST_F(DeviceConnection, UsesTheOtherVorranoWhenTheTabIsChosenAgain)
+{
+    auto& first = world.plugVorrano("A1B2");
+    auto& second = world.plugVorrano("C3D4");
+    chooseTab();
+    world.unplug(first);
+    world.advance(200ms);
+
+    chooseTab();
+
+    EXPECT_TRUE(second.isOpen());
+    EXPECT_EQ(notice(), std::nullopt);
+}
+
+TEST_F(DeviceConnection, SaysNothingWhenAVorranoThatIsNotInUseIsUnplugged)
+{
+    world.plugVorrano("A1B2");
+    auto& second = world.plugVorrano("C3D4");
+    chooseTab();
+
+    world.unplug(second);
+    world.advance(200ms);
+
+    EXPECT_EQ(notice(), std::nullopt);
+}
+
+TEST_F(DeviceConnection, TakesTheOtherVorranoWithTheNextSerialDeviceThatIsPluggedIn)
+{
+    auto& first = world.plugVorrano("A1B2");
+    auto& second = world.plugVorrano("C3D4");
+    chooseTab();
+    world.unplug(first);
+    world.advance(200ms);
+
+    world.plugSerialDevice("/dev/ttyS0");
+    world.run();
+
+    EXPECT_TRUE(second.isOpen());
+    EXPECT_EQ(notice(), std::nullopt);
 }
 
 TEST_F(DeviceConnection, EmptiesTheIncomingBufferWhenItIsMadeAnew)

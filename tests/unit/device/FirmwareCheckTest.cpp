@@ -58,6 +58,48 @@ TEST_F(FirmwareCheck, WaitsForeverForADeviceThatIsSilent)
     EXPECT_TRUE(isBusy());
 }
 
+TEST_F(FirmwareCheck, LeavesTheAnswerToAnotherQueryThatIsPressedBeforeIt)
+{
+    beginCheck();
+    press("buttonADC");
+
+    reply("9.5\n\r");
+
+    EXPECT_EQ(tab->adcNumber(), "9.5\n\r");
+    EXPECT_THAT(world.urlFetch.requests(), IsEmpty());
+    EXPECT_THAT(alerts(), IsEmpty());
+    EXPECT_TRUE(tab->firmwareUpdate().readVersion());
+    EXPECT_TRUE(isBusy());
+}
+
+TEST_F(FirmwareCheck, LeavesTheAnswerToAnotherRequestThatIsPressedBeforeIt)
+{
+    beginCheck();
+    press("buttonPowerStatus");
+
+    reply("9.5\n\r");
+
+    EXPECT_EQ(world.alerts.only(), alertOf("9.5\n\r", "Success"));
+    EXPECT_THAT(world.urlFetch.requests(), IsEmpty());
+    EXPECT_TRUE(tab->firmwareUpdate().readVersion());
+    EXPECT_FALSE(isBusy());
+}
+
+TEST_F(FirmwareCheck, ThatLostItsAnswerToAnotherQueryGoesOnWithTheNextFirmwareVersion)
+{
+    beginCheck();
+    press("buttonADC");
+    reply("9.5\n\r");
+    world.urlFetch.answer(answerOf("9.5"));
+
+    press("buttonFirmwareVersion");
+    reply("9.5\n\r");
+
+    EXPECT_EQ(world.alerts.only(), kUpToDate);
+    EXPECT_FALSE(tab->firmwareUpdate().readVersion());
+    EXPECT_FALSE(isBusy());
+}
+
 TEST_F(FirmwareCheck, OfEqualVersionsSaysThatThereIsNoNeedToUpdate)
 {
     beginCheck();

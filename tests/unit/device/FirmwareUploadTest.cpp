@@ -50,6 +50,15 @@ TEST_F(FirmwareUpload, SendsTheLow8BitsOfACharacterBeyondAscii)
     EXPECT_THAT(writes(), ElementsAre("\xC3\xA9", "\xC2\xAC"));
 }
 
+TEST_F(FirmwareUpload, SendsAByteOrderMarkLikeAnyOtherCharacter)
+{
+    const TemporaryFile image("\uFEFF:0");
+
+    upload(image.path());
+
+    EXPECT_THAT(writes(), ElementsAre("\u00FF", ":", "0"));
+}
+
 TEST_F(FirmwareUpload, OfAnEmptyFileIsOnePause)
 {
     const TemporaryFile image("");
@@ -90,6 +99,18 @@ TEST_F(FirmwareUpload, OfAFolderIsAProblemAndFinished)
     upload("/");
 
     EXPECT_THAT(alerts(), ElementsAre(kProblemWithImage, kFinished));
+}
+
+TEST_F(FirmwareUpload, OfAFileThatMayNotBeReadIsAProblemAndFinished)
+{
+    const TemporaryFile image(":0\n");
+    const AccessDenied denied(image.path());
+
+    upload(image.path());
+
+    EXPECT_THAT(writes(), IsEmpty());
+    EXPECT_THAT(alerts(), ElementsAre(kProblemWithImage, kFinished));
+    EXPECT_FALSE(isBusy());
 }
 
 TEST_F(FirmwareUpload, ThatThrowsInTheImageIsAProblemAndFinished)

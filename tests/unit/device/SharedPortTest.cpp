@@ -38,6 +38,23 @@ TEST_F(SharedPort, TellsOnlyTheTabThatTookThePortLast)
     EXPECT_EQ(tab->receivedString(), std::nullopt);
 }
 
+TEST_F(SharedPort, IsMissedByEachTabThatSharedItWhenItIsUnplugged)
+{
+    auto& vorrano = world.plugVorrano("A1B2");
+    world.plugVorrano("C3D4");
+    chooseTab();
+    const auto second = WifiSetupViewController::create();
+    second->awakeFromNib();
+    const std::string label = "connectionNoticeLabel";
+
+    world.unplug(vorrano);
+    world.advance(200ms);
+
+    // The first tab is told nothing of the removal; the list tells it.
+    EXPECT_FALSE(view().isHidden(label));
+    EXPECT_EQ(view().labelText(label), static_cast<FakeView&>(*second->view()).labelText(label));
+}
+
 TEST_F(SharedPort, IsLeftAloneByTheEndOfItsTab)
 {
     chooseTabWithVorrano();

@@ -1,3 +1,4 @@
+#include "support/DeviceLanguage.h"
 #include "unit/device/UtilitiesTabTest.h"
 
 using namespace vorrano;
@@ -257,35 +258,37 @@ TEST_F(UtilitiesRouting, TakesWhatTheDeviceSaysAfterAResetForAFirmwareVersion)
     EXPECT_EQ(world.alerts.only(), alertOf("Modem ready\n\r", "Device Firmware Version"));
 }
 
-struct SilentCase {
-    std::string button;
-    std::string reply;
-};
-
 // A response passes through the data callback too, under its own command.
-class AResponseAsData : public UtilitiesRouting, public testing::WithParamInterface<SilentCase> {};
+class AResponseAsData : public UtilitiesRouting, public testing::WithParamInterface<support::LanguageButton> {
+public:
+    static std::vector<support::LanguageButton> buttons()
+    {
+        std::vector<support::LanguageButton> requests;
+        for (const auto& button : support::languageButtons()) {
+            if (button.screen == "UtilitiesViewController" && button.way == support::Way::Request) {
+                requests.push_back(button);
+            }
+        }
+        return requests;
+    }
+};
 
 TEST_P(AResponseAsData, ShowsNothingBesidesTheResponse)
 {
-    type("setSSID", "Net");
-    type("setPassword", "secret");
-    type("setThrottleTextField", "45");
+    for (const auto& [field, value, isList] : GetParam().fields) {
+        type(field, value);
+    }
     press(GetParam().button);
 
-    reply(GetParam().reply);
+    reply(GetParam().answer);
 
     EXPECT_EQ(alerts().size(), 1U);
-    EXPECT_EQ(tab->incomingDataBuffer(), GetParam().reply);
+    EXPECT_EQ(tab->incomingDataBuffer(), GetParam().answer);
     EXPECT_THAT(world.log.lines(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Of, AResponseAsData,
-    testing::Values(SilentCase{"buttonPowerStatus", "Power OK\n\r"},
-                    SilentCase{"buttonMacAddress", "00:1B:44:11:3A:B7\n\r"},
-                    SilentCase{"buttonGetSSID", "My$Net\n\n\r"}, SilentCase{"buttonGetNetworkPassword", "secret\n\n\r"},
-                    SilentCase{"buttonGetThrottle", "30\n\r"}, SilentCase{"buttonSetSSID", "OK\n\r"},
-                    SilentCase{"buttonSetPassword", "OK\n\r"}, SilentCase{"buttonSetThrottle", "OK\n\r"}));
+INSTANTIATE_TEST_SUITE_P(OfEachRequest, AResponseAsData, testing::ValuesIn(AResponseAsData::buttons()),
+                         [](const auto& button) { return button.param.testName(); });
 
 TEST_F(UtilitiesRouting, ReadsAnOlderReplyByTheLaterCommand)
 {

@@ -9,45 +9,6 @@ const std::string kSSIDHasDollarSign =
     "SSID cannot have a '$' sign. You will need to change your routers Wifi SSID to not include the '$' sign";
 const Alert kInvalidThrottle = alertOf("Invalid Throttle Value", "Throttle should be between 20 and 90");
 
-// What a press of each button sends, remembers and shows, before any reply.
-struct ActionCase {
-    std::string button;
-    std::vector<std::string> writes;
-    std::optional<DeviceCommand> queryNumber;
-    bool isBusy;
-    bool waitingForAck;
-};
-
-void PrintTo(const ActionCase& action, std::ostream* out) { *out << action.button; }
-
-class UtilitiesTabAction : public UtilitiesTab, public testing::WithParamInterface<ActionCase> {};
-
-TEST_P(UtilitiesTabAction, SendsItsCommand)
-{
-    press(GetParam().button);
-
-    EXPECT_EQ(writes(), GetParam().writes);
-    EXPECT_EQ(tab->queryNumber(), GetParam().queryNumber);
-    EXPECT_EQ(isBusy(), GetParam().isBusy);
-    EXPECT_EQ(tab->waitingForAck(), GetParam().waitingForAck);
-    EXPECT_THAT(alerts(), IsEmpty());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Each, UtilitiesTabAction,
-    testing::Values(
-        ActionCase{"buttonPowerStatus", {"0"}, DeviceCommand::PowerStatus, true, false},
-        ActionCase{"buttonMacAddress", {"3"}, DeviceCommand::MacAddress, true, false},
-        ActionCase{"buttonFirmwareVersion", {"4"}, DeviceCommand::FirmwareVersion, false, true},
-        ActionCase{"wifiFirmwareQuery", {"5"}, DeviceCommand::WifiFirmwareVersion, false, true},
-        ActionCase{"buttonGetSSID", {"c"}, DeviceCommand::ReadSSID, true, false},
-        ActionCase{"buttonGetNetworkPassword", {"d"}, DeviceCommand::ReadPassword, true, false},
-        ActionCase{"buttonADC", {"1"}, DeviceCommand::AdcVersion, false, true},
-        ActionCase{"buttonNetworkConnectivityStatus", {"2"}, DeviceCommand::ConnectivityStatus, false, false},
-        ActionCase{"buttonGetThrottle", {"f"}, DeviceCommand::ReadThrottle, true, false},
-        ActionCase{"buttonGetTemperatureUnit", {"h"}, DeviceCommand::ReadTemperatureUnit, false, true},
-        ActionCase{"buttonSetTemperatureUnit", {"g", "\x01"}, DeviceCommand::SetTemperatureUnit, false, true}));
-
 TEST_F(UtilitiesTab, OffersTheTemperatureUnitsAndShowsTheSecond)
 {
     EXPECT_THAT(view().items("temperatureDisplayUnitButton"), ElementsAre("Fahrenheit", "Celsius"));

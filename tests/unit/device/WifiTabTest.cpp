@@ -363,6 +363,22 @@ TEST_F(WifiTab, QueuesASecondExchangeBehindTheFirstAndReadsBothByTheLaterCommand
     EXPECT_THAT(alerts(), ElementsAre(alertOf("pa  \n\n\r", "Success"), alertOf("My Net\n\n\r", "Success")));
 }
 
+TEST_F(WifiTab, EndsTheBusyStateWithTheFirstOfTwoQueuedExchanges)
+{
+    chooseTabWithVorrano();
+    press("buttonCheckPassword");
+    press("buttonCheckSSID");
+
+    reply("secret\n\n\r");
+
+    EXPECT_FALSE(isBusy());
+    EXPECT_THAT(writes(), ElementsAre("d", "c"));
+    EXPECT_EQ(alerts().size(), 1U);
+    reply("Net\n\n\r");
+    EXPECT_FALSE(isBusy());
+    EXPECT_EQ(alerts().size(), 2U);
+}
+
 TEST_F(WifiTab, ShowsAReplyThatIsNoTextWithoutATitle)
 {
     chooseTabWithVorrano();

@@ -102,17 +102,35 @@ INSTANTIATE_TEST_SUITE_P(OfText, DoubleValue,
                                          DoubleCase{"..5", 0}, DoubleCase{"--1", 0}, DoubleCase{"-", 0},
                                          DoubleCase{"+-1", 0}, DoubleCase{".", 0}, DoubleCase{"v9", 0}));
 
+INSTANTIATE_TEST_SUITE_P(WithAnExponent, DoubleValue,
+                         testing::Values(DoubleCase{"1e+2", 100}, DoubleCase{"1E+02", 100}, DoubleCase{"-1e-2", -0.01},
+                                         DoubleCase{".5e1", 5}, DoubleCase{"5.e1", 50}, DoubleCase{"0e999", 0},
+                                         DoubleCase{"e2", 0}));
+
+INSTANTIATE_TEST_SUITE_P(WithAnExponentMarkAlone, DoubleValue,
+                         testing::Values(DoubleCase{"1E", 1}, DoubleCase{"1e+", 1}, DoubleCase{"1e-", 1},
+                                         DoubleCase{"1e x", 1}, DoubleCase{"1ee2", 1}, DoubleCase{"1e+-2", 1}));
+
 INSTANTIATE_TEST_SUITE_P(KnowsNoHexadecimalInfinityOrNaN, DoubleValue,
                          testing::Values(DoubleCase{"0x10", 0}, DoubleCase{"inf", 0}, DoubleCase{"-infinity", 0},
                                          DoubleCase{"nan", 0}));
 
-INSTANTIATE_TEST_SUITE_P(Saturates, DoubleValue,
-                         testing::Values(DoubleCase{"1e999", std::numeric_limits<double>::max()},
-                                         DoubleCase{"-1e999", -std::numeric_limits<double>::max()},
-                                         DoubleCase{"1" + std::string(400, '0'), std::numeric_limits<double>::max()},
-                                         DoubleCase{"1e99999999999999999999", std::numeric_limits<double>::max()},
-                                         DoubleCase{"1e-999", 0}, DoubleCase{"1e-99999999999999999999", 0},
-                                         DoubleCase{"0." + std::string(400, '0') + "1", 0}));
+INSTANTIATE_TEST_SUITE_P(
+    Saturates, DoubleValue,
+    testing::Values(DoubleCase{"1e999", std::numeric_limits<double>::max()},
+                    DoubleCase{"-1e999", -std::numeric_limits<double>::max()},
+                    DoubleCase{"1" + std::string(400, '0'), std::numeric_limits<double>::max()},
+                    DoubleCase{"1e99999999999999999999", std::numeric_limits<double>::max()},
+                    DoubleCase{"1e+400", std::numeric_limits<double>::max()},
+                    DoubleCase{"-1E+400", -std::numeric_limits<double>::max()},
+                    DoubleCase{"0.001e+400", std::numeric_limits<double>::max()}, DoubleCase{"1000e-400", 0},
+                    DoubleCase{"1E-400", 0},
+                    DoubleCase{"1" + std::string(400, '0') + "x e-999", std::numeric_limits<double>::max()},
+                    DoubleCase{"1" + std::string(400, '0') + "e", std::numeric_limits<double>::max()},
+                    DoubleCase{"1" + std::string(400, '0') + "e-800", 0},
+                    DoubleCase{"0." + std::string(400, '0') + "1e+900", std::numeric_limits<double>::max()},
+                    DoubleCase{"0." + std::string(400, '0') + "1e", 0}, DoubleCase{"1e-999", 0},
+                    DoubleCase{"1e-99999999999999999999", 0}, DoubleCase{"0." + std::string(400, '0') + "1", 0}));
 
 TEST(SaturatingInt32, GoesTowardZero)
 {
