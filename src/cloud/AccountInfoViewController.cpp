@@ -113,19 +113,20 @@ void AccountInfoViewController::updateViewWithAccountInfo(const web::Reply& repl
 
 AccountForm AccountInfoViewController::form() const
 {
-    return {m_accountID.text(),
-            m_password.text(),
-            m_confirmPassword.text(),
-            m_guestPassword.text(),
-            m_confirmGuestPassword.text(),
-            m_email.text(),
-            m_name.text(),
-            m_address.text(),
-            m_address2.text(),
-            m_cityName.text(),
-            m_stateName.text(),
-            m_countryName.text(),
-            m_zipCode.text()};
+    const web::Account account{
+        .accountID = m_accountID.text(),
+        .password = m_password.text(),
+        .guestPassword = m_guestPassword.text(),
+        .email = m_email.text(),
+        .name = m_name.text(),
+        .address = m_address.text(),
+        .address2 = m_address2.text(),
+        .cityName = m_cityName.text(),
+        .stateName = m_stateName.text(),
+        .countryName = m_countryName.text(),
+        .zipCode = m_zipCode.text(),
+    };
+    return {account, m_confirmPassword.text(), m_confirmGuestPassword.text()};
 }
 
 void AccountInfoViewController::saveButton(Control&)
