@@ -3,7 +3,7 @@
 #include "EchoDevice.h"
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/posix/LinuxTerminal.h"
+#include "platform/posix/PosixTerminal.h"
 #include "platform/qt/QtMainQueue.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortDelegate.h"
@@ -97,7 +97,7 @@ private:
     support::VirtualTime m_noTime{m_log};
     support::FakeMainQueue m_noQueue{m_noTime};
     support::FakeDeviceRegistry m_registry{m_noQueue};
-    linux_platform::LinuxTerminal m_terminal{m_registry};
+    posix_platform::PosixTerminal m_terminal{m_registry};
     support::SerialPlatform m_platform{m_log, m_mainQueue, m_backgroundQueue, m_terminal, m_registry};
 };
 

@@ -4,7 +4,7 @@
 #include "cloud/CloudAlerts.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 #include "session/GlobalVariables.h"
 #include "session/TextScreening.h"
 #include "web/Reachability.h"

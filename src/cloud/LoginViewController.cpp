@@ -5,7 +5,7 @@
 #include "platform/MainQueue.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/WifiInterface.h"
 #include "session/GlobalVariables.h"
 #include "text/Text.h"
 #include "web/Reachability.h"

@@ -5,7 +5,7 @@
 #include "device/DeviceCommand.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
 #include "session/GlobalVariables.h"

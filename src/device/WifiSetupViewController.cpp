@@ -5,7 +5,7 @@
 #include "device/WifiTexts.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/WifiInterface.h"
 
 #include <algorithm>
 

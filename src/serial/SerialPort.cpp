@@ -3,7 +3,7 @@
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 #include "serial/InAnyCase.h"
 #include "serial/LivePortRegistry.h"
 #include "serial/RequestQueue.h"

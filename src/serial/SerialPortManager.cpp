@@ -3,7 +3,8 @@
 #include "platform/Mutex.h"
 #include "platform/NotificationCentre.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/PowerEvents.h"
+#include "platform/SystemLog.h"
 
 #include <algorithm>
 #include <utility>

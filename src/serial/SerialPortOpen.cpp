@@ -1,6 +1,6 @@
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 #include "serial/InAnyCase.h"
 #include "serial/RequestQueue.h"
 #include "serial/SerialPort.h"

@@ -2,7 +2,7 @@
 
 #include "platform/NotificationCentre.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 
 #include <utility>
 

@@ -3,7 +3,7 @@
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/Platform.h"
-#include "platform/Subscription.h"
+#include "platform/ScopeExit.h"
 #include "platform/UrlFetch.h"
 
 #include <utility>
@@ -23,7 +23,7 @@ void WebCall::fetch(std::string address, Handler handler) const
         auto reply = Reply::parsed(urlFetch.contentsOfUrl(address));
         mainQueue.async([handler = std::move(handler), reply = std::move(reply), &backgroundQueue]() mutable {
             // A long reply takes its time to be freed as well: not here.
-            const platform::Subscription freed([&] { backgroundQueue.async([reply = std::exchange(reply, {})] {}); });
+            const platform::ScopeExit freed([&] { backgroundQueue.async([reply = std::exchange(reply, {})] {}); });
             handler(reply);
         });
     });

@@ -13,7 +13,7 @@
 
 namespace vorrano {
 
-using linux_platform::CurlFetch;
+using curl_platform::CurlFetch;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using std::chrono::steady_clock;

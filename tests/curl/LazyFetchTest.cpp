@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 namespace {
 
 TEST(LazyFetch, LoadsItsModuleWithTheFirstFetch)
@@ -40,4 +40,4 @@ TEST(LazyFetch, GivesNoneAndSaysSoWithoutItsModule)
 }
 
 } // namespace
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

@@ -4,8 +4,8 @@
 
 namespace vorrano {
 
-using linux_platform::WebScheme;
-using linux_platform::webSchemeOf;
+using curl_platform::WebScheme;
+using curl_platform::webSchemeOf;
 
 struct AddressCase {
     const char* address;

@@ -1,4 +1,4 @@
-#include "platform/posix/LinuxOperatingSystem.h"
+#include "platform/posix/PosixOperatingSystem.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +9,9 @@
 
 namespace {
 
-using vorrano::linux_platform::LinuxOperatingSystem;
-using vorrano::linux_platform::versionFromText;
 using vorrano::platform::OperatingSystemVersion;
+using vorrano::posix_platform::PosixOperatingSystem;
+using vorrano::posix_platform::versionFromText;
 
 std::string spelled(const std::optional<OperatingSystemVersion>& version)
 {
@@ -42,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(Table, VersionText,
 
 TEST(OperatingSystem, HasTheCLibrarysVersion)
 {
-    const auto version = LinuxOperatingSystem().version();
+    const auto version = PosixOperatingSystem().version();
 
     ASSERT_TRUE(version);
     EXPECT_EQ(spelled(version), spelled(versionFromText(::gnu_get_libc_version())));

@@ -1,5 +1,5 @@
 #include "PtyTest.h"
-#include "platform/posix/LinuxPortAccess.h"
+#include "platform/posix/PosixPortAccess.h"
 
 #include <cerrno>
 #include <csignal>
@@ -78,7 +78,7 @@ protected:
         });
     }
 
-    linux_platform::LinuxPortAccess access{nodes};
+    posix_platform::PosixPortAccess access{nodes};
 };
 
 TEST_F(PortAccess, NamesTheProgramThatHasTheDeviceOpen)

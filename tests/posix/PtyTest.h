@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/DeviceRegistry.h"
-#include "platform/posix/LinuxTerminal.h"
+#include "platform/posix/PosixTerminal.h"
 
 #include <gtest/gtest.h>
 
@@ -88,7 +88,7 @@ protected:
 
     Pty pty;
     Nodes nodes;
-    linux_platform::LinuxTerminal terminal{nodes};
+    posix_platform::PosixTerminal terminal{nodes};
 };
 
 [[nodiscard]] inline std::span<const std::byte> bytesOf(std::string_view text)

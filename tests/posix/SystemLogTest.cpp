@@ -1,4 +1,4 @@
-#include "platform/posix/LinuxSystemLog.h"
+#include "platform/posix/PosixSystemLog.h"
 
 #include <gtest/gtest.h>
 
@@ -48,7 +48,7 @@ extern "C" void __syslog_chk(int /*priority*/, int /*flag*/, const char* format,
 
 namespace {
 
-using vorrano::linux_platform::escapedLine;
+using vorrano::posix_platform::escapedLine;
 
 // Standard error, kept in a file meanwhile.
 class KeptStandardError {
@@ -82,7 +82,7 @@ private:
 class SystemLog : public testing::Test {
 protected:
     SystemLog() { s_syslog.clear(); }
-    vorrano::linux_platform::LinuxSystemLog log;
+    vorrano::posix_platform::PosixSystemLog log;
 };
 
 TEST_F(SystemLog, WritesOneLineToTheSystemLogAndToStandardError)

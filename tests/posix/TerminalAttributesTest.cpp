@@ -1,7 +1,7 @@
 #include "PtyTest.h"
 
-#include "platform/posix/LinuxTerminalKernel.h"
-#include "platform/posix/LinuxTerminalSpeeds.h"
+#include "platform/posix/PosixTerminalKernel.h"
+#include "platform/posix/PosixTerminalSpeeds.h"
 
 #include <cerrno>
 #include <cstring>
@@ -11,12 +11,12 @@
 namespace {
 
 using namespace vorrano;
-using linux_platform::KernelSettings;
-using linux_platform::kernelSettings;
-using linux_platform::readKernelSettings;
-using linux_platform::standardSpeed;
 using platform::ApplyAttributes;
 using platform::TerminalAttributes;
+using posix_platform::KernelSettings;
+using posix_platform::kernelSettings;
+using posix_platform::readKernelSettings;
+using posix_platform::standardSpeed;
 
 class StandardSpeed : public testing::TestWithParam<std::pair<std::uint64_t, speed_t>> {};
 
@@ -61,7 +61,7 @@ TEST(KernelRecord, HoldsAllFieldsAndTheCustomRate)
 
     EXPECT_EQ(settings.input, IXON | ICRNL);
     EXPECT_EQ(settings.output, OPOST);
-    EXPECT_EQ(settings.control, CS8 | CREAD | CLOCAL | HUPCL | linux_platform::kCustomRate);
+    EXPECT_EQ(settings.control, CS8 | CREAD | CLOCAL | HUPCL | posix_platform::kCustomRate);
     EXPECT_EQ(settings.local, ECHO | ISIG);
     EXPECT_EQ(settings.discipline, 3);
     EXPECT_EQ(settings.characters[VMIN], 1);
@@ -73,11 +73,11 @@ TEST(KernelRecord, HoldsACustomRateOfTheInputsOwn)
 {
     TerminalAttributes attributes;
     attributes.customInputSpeed = 31250;
-    attributes.record.c_cflag = CS8 | B9600 | B38400 << linux_platform::kInputRateShift;
+    attributes.record.c_cflag = CS8 | B9600 | B38400 << posix_platform::kInputRateShift;
 
     const KernelSettings settings = kernelSettings(attributes);
 
-    EXPECT_EQ(settings.control, CS8 | B9600 | linux_platform::kCustomInputRate);
+    EXPECT_EQ(settings.control, CS8 | B9600 | posix_platform::kCustomInputRate);
     EXPECT_EQ(settings.inputSpeed, 31250U);
 }
 
@@ -219,19 +219,19 @@ protected:
         settings.control = (settings.control & ~static_cast<tcflag_t>(CBAUD | CIBAUD)) | GetParam().control;
         settings.outputSpeed = GetParam().output;
         settings.inputSpeed = GetParam().input;
-        ASSERT_EQ(linux_platform::applyNow(pty.master(), settings), 0);
+        ASSERT_EQ(posix_platform::applyNow(pty.master(), settings), 0);
         ASSERT_EQ(heldRates(), std::pair(GetParam().output, GetParam().input));
     }
 };
 
-constexpr tcflag_t inputRate(tcflag_t rate) { return rate << linux_platform::kInputRateShift; }
+constexpr tcflag_t inputRate(tcflag_t rate) { return rate << posix_platform::kInputRateShift; }
 
 INSTANTIATE_TEST_SUITE_P(
     Of, LineWithSplitRates,
     testing::Values(SplitRates{"StandardBoth", B9600 | inputRate(B38400), 9600, 38400},
-                    SplitRates{"CustomInput", B9600 | inputRate(linux_platform::kCustomRate), 9600, 31250},
-                    SplitRates{"CustomOutput", linux_platform::kCustomRate | inputRate(B38400), 250000, 38400},
-                    SplitRates{"CustomBoth", linux_platform::kCustomRate | linux_platform::kCustomInputRate, 250000,
+                    SplitRates{"CustomInput", B9600 | inputRate(posix_platform::kCustomRate), 9600, 31250},
+                    SplitRates{"CustomOutput", posix_platform::kCustomRate | inputRate(B38400), 250000, 38400},
+                    SplitRates{"CustomBoth", posix_platform::kCustomRate | posix_platform::kCustomInputRate, 250000,
                                31250}),
     [](const auto& parameter) { return parameter.param.name; });
 

@@ -1,4 +1,4 @@
-#include "platform/posix/LinuxTerminalKernel.h"
+#include "platform/posix/PosixTerminalKernel.h"
 #include "serial_pty/SerialPtyFixture.h"
 
 #include <cerrno>
@@ -92,7 +92,7 @@ TEST_F(ExchangeOnAPty, AppliesItsSettingsAndGivesTheOldOnesBack)
 TEST_F(ExchangeOnAPty, SetsBothRatesOfALineThatHadTwoAndGivesBothBack)
 {
     giveModemLines();
-    constexpr tcflag_t kTwoRates = B2400 | B38400 << linux_platform::kInputRateShift;
+    constexpr tcflag_t kTwoRates = B2400 | B38400 << posix_platform::kInputRateShift;
     auto before = pty->settings();
     before.c_cflag = (before.c_cflag & ~static_cast<tcflag_t>(CBAUD | CIBAUD)) | kTwoRates;
     ASSERT_EQ(::tcsetattr(pty->master(), TCSANOW, &before), 0);

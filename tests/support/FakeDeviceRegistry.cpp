@@ -1,5 +1,7 @@
 #include "support/FakeDeviceRegistry.h"
 
+#include "platform/ScopeExit.h"
+
 #include <algorithm>
 #include <array>
 #include <numeric>
@@ -226,7 +228,7 @@ void FakeDeviceRegistry::tell(DeviceEvent event, const std::vector<DeviceHandle>
     m_going.insert(m_going.end(), devices.begin(), devices.end());
     m_mainQueue.async([this, weak = std::weak_ptr(m_alive), event, devices, number = ++m_lastEvent] {
         if (weak.lock()) {
-            const platform::Subscription handled([this, count = static_cast<std::ptrdiff_t>(devices.size())] {
+            const platform::ScopeExit handled([this, count = static_cast<std::ptrdiff_t>(devices.size())] {
                 m_going.erase(m_going.begin(), m_going.begin() + count);
             });
             deliver(event, devices, number);

@@ -1,5 +1,6 @@
 #include "support/FakeSerialQueue.h"
 
+#include "platform/ScopeExit.h"
 #include "support/FakeTimer.h"
 
 #include <deque>
@@ -134,11 +135,11 @@ void FakeSerialQueue::sync(Task task)
             return;
         }
         *state = State::Running;
-        const platform::Subscription done([state] { *state = State::Done; });
+        const platform::ScopeExit done([state] { *state = State::Done; });
         m_time.runGuarded(given);
     });
     // The task may use what is the caller's, who must not leave before it.
-    const platform::Subscription leaving([this, state] {
+    const platform::ScopeExit leaving([this, state] {
         while (*state == State::Running && m_time.hasEnded() && !m_time.isMainThread()) {
             m_time.giveWay();
         }

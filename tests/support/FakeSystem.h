@@ -1,6 +1,10 @@
 #pragma once
 
-#include "platform/System.h"
+#include "platform/OperatingSystem.h"
+#include "platform/Pause.h"
+#include "platform/PowerEvents.h"
+#include "platform/SystemLog.h"
+#include "platform/WifiInterface.h"
 #include "support/FakeMainQueue.h"
 
 #include <cstdint>

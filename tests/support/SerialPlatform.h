@@ -20,9 +20,9 @@ public:
     SerialPlatform(platform::SystemLog& log, platform::MainQueue& mainQueue, platform::BackgroundQueue& backgroundQueue,
                    platform::Terminal& terminal, platform::DeviceRegistry& devices)
         : m_noTime(log)
-        , m_platform(platform::Ports{m_layouts, m_alerts, m_openPanel, mainQueue, backgroundQueue, notifications,
-                                     terminal, devices, m_wifi, m_reachability, m_urlFetch, m_power, m_stayAwake,
-                                     m_portAccess, m_pause, log, m_system, ""})
+        , m_platform(platform::Interfaces{m_layouts, m_alerts, m_openPanel, mainQueue, backgroundQueue, notifications,
+                                          terminal, devices, m_wifi, m_reachability, m_urlFetch, m_power, m_stayAwake,
+                                          m_portAccess, m_pause, log, m_system, ""})
     {}
 
     platform::NotificationCentre notifications;

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "platform/MainQueue.h"
-#include "platform/System.h"
+#include "platform/Subscription.h"
+#include "platform/SystemLog.h"
 #include "support/BackgroundThread.h"
 
 #include <chrono>

@@ -11,10 +11,10 @@
 #include "platform/linux/NetworkManagerWifi.h"
 #include "platform/linux/UdevDeviceRegistry.h"
 #include "platform/posix/LazyFetch.h"
-#include "platform/posix/LinuxOperatingSystem.h"
-#include "platform/posix/LinuxPortAccess.h"
-#include "platform/posix/LinuxSystemLog.h"
-#include "platform/posix/LinuxTerminal.h"
+#include "platform/posix/PosixOperatingSystem.h"
+#include "platform/posix/PosixPortAccess.h"
+#include "platform/posix/PosixSystemLog.h"
+#include "platform/posix/PosixTerminal.h"
 #include "platform/qt/QtAlerts.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtGate.h"
@@ -80,10 +80,10 @@ public:
         , m_wifi(composition.makeWifi())
         , m_backgroundQueue(m_log)
         , m_reachability(composition.makeReachability(m_mainQueue, m_backgroundQueue))
-        , m_platform(platform::Ports{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue,
-                                     m_notificationCentre, m_terminal, *m_deviceRegistry, *m_wifi, *m_reachability,
-                                     m_urlFetch, m_powerEvents, m_stayAwake, m_portAccess, m_pause, m_log,
-                                     m_operatingSystem, composition.serviceBaseUrl})
+        , m_platform(platform::Interfaces{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue,
+                                          m_notificationCentre, m_terminal, *m_deviceRegistry, *m_wifi, *m_reachability,
+                                          m_urlFetch, m_powerEvents, m_stayAwake, m_portAccess, m_pause, m_log,
+                                          m_operatingSystem, composition.serviceBaseUrl})
     {}
 
     qt::QtMainLoop& loop() { return m_loop; }
@@ -97,9 +97,9 @@ public:
     }
 
 private:
-    linux_platform::LinuxSystemLog m_log;
-    linux_platform::LinuxOperatingSystem m_operatingSystem;
-    linux_platform::LazyFetch m_urlFetch;
+    posix_platform::PosixSystemLog m_log;
+    posix_platform::PosixOperatingSystem m_operatingSystem;
+    posix_platform::LazyFetch m_urlFetch;
     platform::NotificationCentre m_notificationCentre;
     qt::QtApplication m_application;
     qt::QtMainQueue m_mainQueue;
@@ -112,8 +112,8 @@ private:
     linux_platform::LogindPowerEvents m_powerEvents;
     linux_platform::LogindStayAwake m_stayAwake;
     std::unique_ptr<platform::DeviceRegistry> m_deviceRegistry;
-    linux_platform::LinuxTerminal m_terminal;
-    linux_platform::LinuxPortAccess m_portAccess;
+    posix_platform::PosixTerminal m_terminal;
+    posix_platform::PosixPortAccess m_portAccess;
     std::unique_ptr<platform::WifiInterface> m_wifi;
     asio_platform::AsioBackgroundQueue m_backgroundQueue;
     std::unique_ptr<platform::NetworkReachability> m_reachability;

@@ -1,6 +1,6 @@
 #include "platform/asio/AsioPool.h"
 
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 #include "platform/asio/SignalsBlocked.h"
 
 #include <exception>

@@ -9,7 +9,7 @@
 
 #include <curl/curl.h>
 
-namespace vorrano::linux_platform {
+namespace vorrano::curl_platform {
 
 namespace {
 
@@ -238,4 +238,4 @@ void CurlFetch::abort()
     }
 }
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::curl_platform

@@ -10,7 +10,7 @@
 #include <set>
 #include <string>
 
-namespace vorrano::linux_platform {
+namespace vorrano::curl_platform {
 
 // Fetches by libcurl. Certificates are verified against the system's trust store. Redirections are followed, 20 at
 // most, to http and https only and never from https down to http; one that may not be followed gives none. Proxy
@@ -44,4 +44,4 @@ private:
     std::set<Transfer*> m_transfers;
 };
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::curl_platform

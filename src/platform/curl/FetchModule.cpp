@@ -3,5 +3,5 @@
 // What the program looks up by this name when it loads the module.
 extern "C" __attribute__((visibility("default"))) vorrano::platform::UrlFetch* vorranoMakeFetch()
 {
-    return new vorrano::linux_platform::CurlFetch();
+    return new vorrano::curl_platform::CurlFetch();
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace vorrano::linux_platform {
+namespace vorrano::curl_platform {
 
 namespace {
 
@@ -69,4 +69,4 @@ std::optional<WebScheme> webSchemeOf(std::string_view address)
     return isHttps ? WebScheme::Https : WebScheme::Http;
 }
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::curl_platform

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-namespace vorrano::linux_platform {
+namespace vorrano::curl_platform {
 
 enum class WebScheme { Http, Https };
 
@@ -11,4 +11,4 @@ enum class WebScheme { Http, Https };
 // stand in an address at their place, each "%" before two hexadecimal digits. None for any other text.
 [[nodiscard]] std::optional<WebScheme> webSchemeOf(std::string_view address);
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::curl_platform

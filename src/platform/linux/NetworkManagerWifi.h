@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/System.h"
+#include "platform/WifiInterface.h"
 
 #include <chrono>
 #include <optional>

@@ -1,10 +1,10 @@
 #include "platform/posix/LazyFetch.h"
 
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 
 #include <dlfcn.h>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 namespace {
 
@@ -53,4 +53,4 @@ platform::UrlFetch* LazyFetch::loaded()
     return m_fetch.get();
 }
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

@@ -9,7 +9,7 @@ namespace vorrano::platform {
 class SystemLog;
 }
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 // The module with libcurl in it, and the function in it that makes a fetch.
 inline constexpr const char* kFetchModule = "vorrano-fetch.so";
@@ -37,4 +37,4 @@ private:
     bool m_aborted = false;
 };
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

@@ -2,8 +2,8 @@
 
 #include "platform/asio/AsioBackgroundQueue.h"
 #include "platform/linux/UdevDeviceRegistry.h"
-#include "platform/posix/LinuxSystemLog.h"
-#include "platform/posix/LinuxTerminal.h"
+#include "platform/posix/PosixSystemLog.h"
+#include "platform/posix/PosixTerminal.h"
 #include "platform/qt/QtMainQueue.h"
 #include "support/SerialPlatform.h"
 
@@ -15,13 +15,13 @@ namespace vorrano::kernel_test {
 //
 // Lifetime: the application object outlives it; ports and the port manager are gone before it ends.
 struct ProbeWorld {
-    linux_platform::LinuxSystemLog log;
+    posix_platform::PosixSystemLog log;
     qt::QtMainQueue mainQueue{log};
     asio_platform::AsioBackgroundQueue background{log};
 
 private:
     linux_platform::UdevDeviceRegistry m_registry{mainQueue};
-    linux_platform::LinuxTerminal m_terminal{m_registry};
+    posix_platform::PosixTerminal m_terminal{m_registry};
 
 public:
     support::SerialPlatform serialPlatform{log, mainQueue, background, m_terminal, m_registry};

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/posix/LinuxTerminal.h"
+#include "platform/posix/PosixTerminal.h"
 #include "serial_pty/rig/MainLoop.h"
 #include "serial_pty/rig/PtyDevices.h"
 #include "serial_pty/rig/RigTerminal.h"
@@ -27,7 +27,7 @@ public:
     PtyDevices devices;
 
 private:
-    linux_platform::LinuxTerminal m_linux{devices};
+    posix_platform::PosixTerminal m_linux{devices};
 
 public:
     RigTerminal terminal{m_linux};

@@ -1,9 +1,9 @@
-#include "platform/posix/LinuxTerminalSpeeds.h"
+#include "platform/posix/PosixTerminalSpeeds.h"
 
 #include <algorithm>
 #include <iterator>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 namespace {
 
@@ -85,4 +85,4 @@ KernelSettings kernelSettings(const platform::TerminalAttributes& attributes)
     return settings;
 }
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

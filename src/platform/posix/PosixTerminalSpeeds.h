@@ -1,14 +1,14 @@
 #pragma once
 
 #include "platform/Terminal.h"
-#include "platform/posix/LinuxTerminalKernel.h"
+#include "platform/posix/PosixTerminalKernel.h"
 
 #include <cstdint>
 #include <optional>
 
 #include <termios.h>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 // The constant that stands for a standard rate; 0 is one of them and hangs up.
 [[nodiscard]] std::optional<speed_t> standardSpeed(std::uint64_t baud);
@@ -24,4 +24,4 @@ void joinInputRate(termios& record);
 // The attributes as the kernel wants them.
 [[nodiscard]] KernelSettings kernelSettings(const platform::TerminalAttributes& attributes);
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

@@ -1,6 +1,6 @@
-#include "platform/posix/LinuxTerminal.h"
+#include "platform/posix/PosixTerminal.h"
 
-#include "platform/posix/LinuxTerminalSpeeds.h"
+#include "platform/posix/PosixTerminalSpeeds.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -15,7 +15,7 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 using platform::SystemResult;
 
@@ -78,7 +78,7 @@ void setTimerSlack(std::chrono::nanoseconds slack) { ::prctl(PR_SET_TIMERSLACK, 
 
 } // namespace
 
-LinuxTerminal::LinuxTerminal(const platform::DeviceRegistry& registry)
+PosixTerminal::PosixTerminal(const platform::DeviceRegistry& registry)
     : m_registry(registry)
     , m_null(::open("/dev/null", O_RDWR | O_CLOEXEC))
 {
@@ -87,9 +87,9 @@ LinuxTerminal::LinuxTerminal(const platform::DeviceRegistry& registry)
     }
 }
 
-LinuxTerminal::~LinuxTerminal() { ::close(m_null); }
+PosixTerminal::~PosixTerminal() { ::close(m_null); }
 
-SystemResult LinuxTerminal::open(const std::string& path)
+SystemResult PosixTerminal::open(const std::string& path)
 {
     const auto node = m_registry.nodeOfCalloutPath(path);
     if (!node) {
@@ -106,12 +106,12 @@ SystemResult LinuxTerminal::open(const std::string& path)
     return {descriptor, 0};
 }
 
-SystemResult LinuxTerminal::setStatusFlags(int descriptor, int flags)
+SystemResult PosixTerminal::setStatusFlags(int descriptor, int flags)
 {
     return resultOf(::fcntl(descriptor, F_SETFL, flags));
 }
 
-SystemResult LinuxTerminal::attributes(int descriptor, platform::TerminalAttributes& into)
+SystemResult PosixTerminal::attributes(int descriptor, platform::TerminalAttributes& into)
 {
     platform::TerminalAttributes read;
     if (const auto result = resultOf(::tcgetattr(descriptor, &read.record)); result.failed()) {
@@ -124,7 +124,7 @@ SystemResult LinuxTerminal::attributes(int descriptor, platform::TerminalAttribu
     return {};
 }
 
-SystemResult LinuxTerminal::setAttributes(int descriptor, platform::ApplyAttributes when,
+SystemResult PosixTerminal::setAttributes(int descriptor, platform::ApplyAttributes when,
                                           const platform::TerminalAttributes& attributes)
 {
     const bool drained = when == platform::ApplyAttributes::AfterDrain;
@@ -136,7 +136,7 @@ SystemResult LinuxTerminal::setAttributes(int descriptor, platform::ApplyAttribu
     return error == 0 ? SystemResult{} : failureWith(error);
 }
 
-SystemResult LinuxTerminal::setSpeed(platform::TerminalAttributes& attributes, std::uint64_t baud)
+SystemResult PosixTerminal::setSpeed(platform::TerminalAttributes& attributes, std::uint64_t baud)
 {
     const auto speed = standardSpeed(baud);
     if (!speed && baud > UINT32_MAX) {
@@ -153,7 +153,7 @@ SystemResult LinuxTerminal::setSpeed(platform::TerminalAttributes& attributes, s
     return resultOf(::cfsetspeed(&attributes.record, *speed));
 }
 
-SystemResult LinuxTerminal::modemLines(int descriptor)
+SystemResult PosixTerminal::modemLines(int descriptor)
 {
     int lines = 0;
     if (::ioctl(descriptor, TIOCMGET, &lines) == 0) {
@@ -163,12 +163,12 @@ SystemResult LinuxTerminal::modemLines(int descriptor)
     return failureWith(errno == EIO || errno == ENODEV ? ENXIO : errno);
 }
 
-SystemResult LinuxTerminal::setModemLines(int descriptor, int lines)
+SystemResult PosixTerminal::setModemLines(int descriptor, int lines)
 {
     return resultOf(::ioctl(descriptor, TIOCMSET, &lines));
 }
 
-SystemResult LinuxTerminal::waitReadable(int descriptor, std::chrono::microseconds limit)
+SystemResult PosixTerminal::waitReadable(int descriptor, std::chrono::microseconds limit)
 {
     const auto whole = std::max(limit, std::chrono::microseconds(0));
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(whole);
@@ -182,7 +182,7 @@ SystemResult LinuxTerminal::waitReadable(int descriptor, std::chrono::microsecon
     return result;
 }
 
-void LinuxTerminal::wait(std::chrono::microseconds duration, std::chrono::microseconds leeway)
+void PosixTerminal::wait(std::chrono::microseconds duration, std::chrono::microseconds leeway)
 {
     setTimerSlack(leeway);
     std::this_thread::sleep_for(duration);
@@ -190,17 +190,17 @@ void LinuxTerminal::wait(std::chrono::microseconds duration, std::chrono::micros
     setTimerSlack({});
 }
 
-SystemResult LinuxTerminal::read(int descriptor, std::span<std::byte> into)
+SystemResult PosixTerminal::read(int descriptor, std::span<std::byte> into)
 {
     return resultOf(::read(descriptor, into.data(), limited(into.size())));
 }
 
-SystemResult LinuxTerminal::write(int descriptor, std::span<const std::byte> bytes)
+SystemResult PosixTerminal::write(int descriptor, std::span<const std::byte> bytes)
 {
     return resultOf(::write(descriptor, bytes.data(), limited(bytes.size())));
 }
 
-SystemResult LinuxTerminal::close(int descriptor)
+SystemResult PosixTerminal::close(int descriptor)
 {
     // Putting /dev/null over a number that is not open would open it.
     if (::fcntl(descriptor, F_GETFD) < 0) {
@@ -215,6 +215,6 @@ SystemResult LinuxTerminal::close(int descriptor)
     return {};
 }
 
-void LinuxTerminal::release(int descriptor) { ::close(descriptor); }
+void PosixTerminal::release(int descriptor) { ::close(descriptor); }
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

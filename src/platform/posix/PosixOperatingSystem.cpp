@@ -1,4 +1,4 @@
-#include "platform/posix/LinuxOperatingSystem.h"
+#include "platform/posix/PosixOperatingSystem.h"
 
 #include <array>
 #include <charconv>
@@ -7,11 +7,11 @@
 
 #include <gnu/libc-version.h>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 using platform::OperatingSystemVersion;
 
-std::optional<OperatingSystemVersion> LinuxOperatingSystem::version() const
+std::optional<OperatingSystemVersion> PosixOperatingSystem::version() const
 {
     return versionFromText(::gnu_get_libc_version());
 }
@@ -37,4 +37,4 @@ std::optional<OperatingSystemVersion> versionFromText(std::string_view text)
     return OperatingSystemVersion{numbers[0], numbers[1], numbers[2]};
 }
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

@@ -1,4 +1,4 @@
-#include "platform/posix/LinuxSystemLog.h"
+#include "platform/posix/PosixSystemLog.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -6,7 +6,7 @@
 #include <syslog.h>
 #include <unistd.h>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 namespace {
 
@@ -68,9 +68,9 @@ std::string escapedLine(std::string_view text)
     return line;
 }
 
-LinuxSystemLog::LinuxSystemLog() { ::openlog(nullptr, LOG_PID, LOG_USER); }
+PosixSystemLog::PosixSystemLog() { ::openlog(nullptr, LOG_PID, LOG_USER); }
 
-void LinuxSystemLog::write(std::string_view text)
+void PosixSystemLog::write(std::string_view text)
 {
     std::string line = escapedLine(text);
     ::syslog(LOG_NOTICE, "%s", line.c_str());
@@ -79,4 +79,4 @@ void LinuxSystemLog::write(std::string_view text)
     [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.data(), line.size());
 }
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

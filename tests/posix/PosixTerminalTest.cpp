@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 using platform::SystemResult;
 using support::bytesOf;
 
-class LinuxTerminal : public support::PtyTest {
+class PosixTerminal : public support::PtyTest {
 protected:
     std::string readSome(int descriptor, std::size_t most = 1024)
     {
@@ -44,7 +44,7 @@ protected:
     }
 };
 
-TEST_F(LinuxTerminal, OpensTheNodeBehindACalloutPath)
+TEST_F(PosixTerminal, OpensTheNodeBehindACalloutPath)
 {
     const int line = opened();
 
@@ -56,14 +56,14 @@ TEST_F(LinuxTerminal, OpensTheNodeBehindACalloutPath)
     EXPECT_EQ(readSome(line), "world");
 }
 
-TEST_F(LinuxTerminal, OpensNoPathThatTheRegistryDoesNotKnow)
+TEST_F(PosixTerminal, OpensNoPathThatTheRegistryDoesNotKnow)
 {
     EXPECT_EQ(terminal.open("/dev/cu.usbserial-OTHER").error, ENOENT);
     EXPECT_EQ(terminal.open(pty.node()).error, ENOENT);
     EXPECT_EQ(terminal.open("").error, ENOENT);
 }
 
-TEST_F(LinuxTerminal, AnswersWithTheErrnoOfAnOpenThatFails)
+TEST_F(PosixTerminal, AnswersWithTheErrnoOfAnOpenThatFails)
 {
     nodes.byPath["/dev/cu.gone"] = "/dev/no-such-node";
     nodes.byPath["/dev/cu.folder"] = "/tmp";
@@ -72,7 +72,7 @@ TEST_F(LinuxTerminal, AnswersWithTheErrnoOfAnOpenThatFails)
     EXPECT_EQ(terminal.open("/dev/cu.folder").error, EISDIR);
 }
 
-TEST_F(LinuxTerminal, OpensWithoutBlockingAndForThisProgramOnly)
+TEST_F(PosixTerminal, OpensWithoutBlockingAndForThisProgramOnly)
 {
     const int line = opened();
 
@@ -82,7 +82,7 @@ TEST_F(LinuxTerminal, OpensWithoutBlockingAndForThisProgramOnly)
     EXPECT_EQ(::fcntl(line, F_GETFD), FD_CLOEXEC);
 }
 
-TEST_F(LinuxTerminal, BecomesNoControllingTerminal)
+TEST_F(PosixTerminal, BecomesNoControllingTerminal)
 {
     const int answer = inAnotherProcess([this] {
         ::setsid();
@@ -93,7 +93,7 @@ TEST_F(LinuxTerminal, BecomesNoControllingTerminal)
     EXPECT_EQ(answer, 0);
 }
 
-TEST_F(LinuxTerminal, BlocksOnceTheStatusFlagsAreCleared)
+TEST_F(PosixTerminal, BlocksOnceTheStatusFlagsAreCleared)
 {
     const int line = opened();
 
@@ -103,7 +103,7 @@ TEST_F(LinuxTerminal, BlocksOnceTheStatusFlagsAreCleared)
     EXPECT_EQ(terminal.setStatusFlags(999999, 0).error, EBADF);
 }
 
-TEST_F(LinuxTerminal, RefusesASecondOpenerOfAnotherProcessWithoutHarmToTheHolder)
+TEST_F(PosixTerminal, RefusesASecondOpenerOfAnotherProcessWithoutHarmToTheHolder)
 {
     const int line = opened();
 
@@ -115,7 +115,7 @@ TEST_F(LinuxTerminal, RefusesASecondOpenerOfAnotherProcessWithoutHarmToTheHolder
     EXPECT_EQ(readSome(line), "so am I");
 }
 
-TEST_F(LinuxTerminal, RefusesASecondOpenerOfTheSameProcess)
+TEST_F(PosixTerminal, RefusesASecondOpenerOfTheSameProcess)
 {
     opened();
 
@@ -123,7 +123,7 @@ TEST_F(LinuxTerminal, RefusesASecondOpenerOfTheSameProcess)
     EXPECT_EQ(terminal.open(kPath).error, EBUSY);
 }
 
-TEST_F(LinuxTerminal, KeepsOutThoseWhoTakeNoLock)
+TEST_F(PosixTerminal, KeepsOutThoseWhoTakeNoLock)
 {
     ASSERT_EQ(::chmod(pty.node().c_str(), 0666), 0);
     const int line = opened();
@@ -134,7 +134,7 @@ TEST_F(LinuxTerminal, KeepsOutThoseWhoTakeNoLock)
     EXPECT_EQ(inAnotherProcess([this] { return plainOpenOfAnotherUser(); }), 0);
 }
 
-TEST_F(LinuxTerminal, LeavesTheLineAsItWasWhenAnotherHolderOfItsLockRefusesIt)
+TEST_F(PosixTerminal, LeavesTheLineAsItWasWhenAnotherHolderOfItsLockRefusesIt)
 {
     // A holder that keeps nobody out but those who ask for the lock.
     ASSERT_EQ(::chmod(pty.node().c_str(), 0666), 0);
@@ -147,7 +147,7 @@ TEST_F(LinuxTerminal, LeavesTheLineAsItWasWhenAnotherHolderOfItsLockRefusesIt)
     ::close(holder);
 }
 
-TEST_F(LinuxTerminal, GivesTheLineFreeForAnotherProcessBeforeTheNumberIsReleased)
+TEST_F(PosixTerminal, GivesTheLineFreeForAnotherProcessBeforeTheNumberIsReleased)
 {
     const int line = opened();
 
@@ -156,7 +156,7 @@ TEST_F(LinuxTerminal, GivesTheLineFreeForAnotherProcessBeforeTheNumberIsReleased
     EXPECT_EQ(inAnotherProcess([this] { return terminal.open(kPath).error; }), 0);
 }
 
-TEST_F(LinuxTerminal, CanBeOpenedAgainWhileAReaderStillWaitsOnTheClosedLine)
+TEST_F(PosixTerminal, CanBeOpenedAgainWhileAReaderStillWaitsOnTheClosedLine)
 {
     const int line = opened();
     std::atomic<bool> begins = false;
@@ -179,7 +179,7 @@ TEST_F(LinuxTerminal, CanBeOpenedAgainWhileAReaderStillWaitsOnTheClosedLine)
     EXPECT_EQ(waited.value, 1);
 }
 
-TEST_F(LinuxTerminal, KeepsAClosedNumberFromBeingGivenOutUntilItIsReleased)
+TEST_F(PosixTerminal, KeepsAClosedNumberFromBeingGivenOutUntilItIsReleased)
 {
     const int line = opened();
     ASSERT_EQ(terminal.close(line).error, 0);
@@ -195,7 +195,7 @@ TEST_F(LinuxTerminal, KeepsAClosedNumberFromBeingGivenOutUntilItIsReleased)
     ::close(next);
 }
 
-TEST_F(LinuxTerminal, LetsLateCallsOnAClosedNumberMeetALineWithoutData)
+TEST_F(PosixTerminal, LetsLateCallsOnAClosedNumberMeetALineWithoutData)
 {
     const int line = opened();
     pty.send("for nobody");
@@ -206,7 +206,7 @@ TEST_F(LinuxTerminal, LetsLateCallsOnAClosedNumberMeetALineWithoutData)
     EXPECT_EQ(terminal.modemLines(line).error, ENOTTY);
 }
 
-TEST_F(LinuxTerminal, RefusesToCloseWhatIsNotOpen)
+TEST_F(PosixTerminal, RefusesToCloseWhatIsNotOpen)
 {
     const int line = opened();
     terminal.close(line);
@@ -218,7 +218,7 @@ TEST_F(LinuxTerminal, RefusesToCloseWhatIsNotOpen)
     EXPECT_EQ(terminal.close(-1).error, EBADF);
 }
 
-TEST_F(LinuxTerminal, WritesWhatFitsAndSaysHowMuch)
+TEST_F(PosixTerminal, WritesWhatFitsAndSaysHowMuch)
 {
     const int line = opened();
     const std::string much(1 << 20, 'x');
@@ -236,7 +236,7 @@ TEST_F(LinuxTerminal, WritesWhatFitsAndSaysHowMuch)
     EXPECT_EQ(last.value, -1);
 }
 
-TEST_F(LinuxTerminal, ReadsAtMostWhatItIsAskedFor)
+TEST_F(PosixTerminal, ReadsAtMostWhatItIsAskedFor)
 {
     const int line = opened();
     pty.send("abcdef");
@@ -246,7 +246,7 @@ TEST_F(LinuxTerminal, ReadsAtMostWhatItIsAskedFor)
     EXPECT_EQ(readSome(line, 4), "ef");
 }
 
-TEST_F(LinuxTerminal, WaitsForDataNoLongerThanItMay)
+TEST_F(PosixTerminal, WaitsForDataNoLongerThanItMay)
 {
     const int line = opened();
     const auto begun = std::chrono::steady_clock::now();
@@ -256,7 +256,7 @@ TEST_F(LinuxTerminal, WaitsForDataNoLongerThanItMay)
     EXPECT_EQ(terminal.waitReadable(line, -1us), SystemResult{});
 }
 
-TEST_F(LinuxTerminal, WaitsOnNumbersBeyondThoseThatSelectKnows)
+TEST_F(PosixTerminal, WaitsOnNumbersBeyondThoseThatSelectKnows)
 {
     rlimit limit{};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
@@ -275,7 +275,7 @@ TEST_F(LinuxTerminal, WaitsOnNumbersBeyondThoseThatSelectKnows)
     ::setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-TEST_F(LinuxTerminal, AnswersEbadfForANumberThatIsNotOpen)
+TEST_F(PosixTerminal, AnswersEbadfForANumberThatIsNotOpen)
 {
     constexpr int kNotOpen = 999999;
     platform::TerminalAttributes attributes;
@@ -291,7 +291,7 @@ TEST_F(LinuxTerminal, AnswersEbadfForANumberThatIsNotOpen)
     EXPECT_EQ(terminal.setAttributes(kNotOpen, platform::ApplyAttributes::Now, attributes).error, EBADF);
 }
 
-TEST_F(LinuxTerminal, LetsTimePass)
+TEST_F(PosixTerminal, LetsTimePass)
 {
     const auto begun = std::chrono::steady_clock::now();
 
@@ -300,7 +300,7 @@ TEST_F(LinuxTerminal, LetsTimePass)
     EXPECT_GE(std::chrono::steady_clock::now() - begun, 10ms);
 }
 
-TEST_F(LinuxTerminal, HasNoModemLinesOnAPty)
+TEST_F(PosixTerminal, HasNoModemLinesOnAPty)
 {
     const int line = opened();
 

@@ -1,4 +1,4 @@
-#include "platform/posix/LinuxPortAccess.h"
+#include "platform/posix/PosixPortAccess.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 namespace {
 
@@ -62,17 +62,17 @@ std::string nameOf(const fs::path& process)
 
 } // namespace
 
-LinuxPortAccess::LinuxPortAccess(const platform::DeviceRegistry& registry)
+PosixPortAccess::PosixPortAccess(const platform::DeviceRegistry& registry)
     : m_registry(registry)
 {}
 
-bool LinuxPortAccess::isPermitted(const std::string& path) const
+bool PosixPortAccess::isPermitted(const std::string& path) const
 {
     const auto node = m_registry.nodeOfCalloutPath(path);
     return node && ::faccessat(AT_FDCWD, node->c_str(), R_OK | W_OK, AT_EACCESS) == 0;
 }
 
-std::optional<std::string> LinuxPortAccess::programThatUses(const std::string& path) const
+std::optional<std::string> PosixPortAccess::programThatUses(const std::string& path) const
 {
     const auto node = m_registry.nodeOfCalloutPath(path);
     struct stat status {};
@@ -88,4 +88,4 @@ std::optional<std::string> LinuxPortAccess::programThatUses(const std::string& p
     return name.empty() ? std::nullopt : std::optional(name);
 }
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

@@ -9,7 +9,7 @@
 #include <span>
 #include <string>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 // Terminals by the system's own calls. A failing call's result is -1 beside its errno; EINTR is passed on.
 //
@@ -17,13 +17,13 @@ namespace vorrano::linux_platform {
 // end with close(), not with the last reference to the file, as a reader that still waits on it may keep it for a
 // while.
 // Lifetime: the registry outlives the terminal.
-class LinuxTerminal final : public platform::Terminal {
+class PosixTerminal final : public platform::Terminal {
 public:
     // std::system_error when /dev/null, which takes the place of closed lines, can't be opened.
-    explicit LinuxTerminal(const platform::DeviceRegistry& registry);
-    LinuxTerminal(const LinuxTerminal&) = delete;
-    LinuxTerminal& operator=(const LinuxTerminal&) = delete;
-    ~LinuxTerminal() override;
+    explicit PosixTerminal(const platform::DeviceRegistry& registry);
+    PosixTerminal(const PosixTerminal&) = delete;
+    PosixTerminal& operator=(const PosixTerminal&) = delete;
+    ~PosixTerminal() override;
 
     platform::SystemResult open(const std::string& path) override;
     platform::SystemResult setStatusFlags(int descriptor, int flags) override;
@@ -45,4 +45,4 @@ private:
     const int m_null;
 };
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

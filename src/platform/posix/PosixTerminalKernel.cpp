@@ -1,4 +1,4 @@
-#include "platform/posix/LinuxTerminalKernel.h"
+#include "platform/posix/PosixTerminalKernel.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -8,7 +8,7 @@
 #include <asm/termbits.h>
 #include <sys/ioctl.h>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 namespace {
 
@@ -53,4 +53,4 @@ int applyNow(int descriptor, const KernelSettings& settings) { return apply(desc
 
 int applyAfterDrain(int descriptor, const KernelSettings& settings) { return apply(descriptor, TCSETSW2, settings); }
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform

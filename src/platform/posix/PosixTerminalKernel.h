@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-namespace vorrano::linux_platform {
+namespace vorrano::posix_platform {
 
 // The kernel's own settings of a terminal, which can hold any rate; the C library's record holds the standard ones.
 struct KernelSettings {
@@ -29,4 +29,4 @@ inline constexpr std::uint32_t kCustomInputRate = kCustomRate << kInputRateShift
 [[nodiscard]] int applyNow(int descriptor, const KernelSettings& settings);
 [[nodiscard]] int applyAfterDrain(int descriptor, const KernelSettings& settings);
 
-} // namespace vorrano::linux_platform
+} // namespace vorrano::posix_platform
