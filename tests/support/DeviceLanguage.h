@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-// The device's commands and the buttons that send them, to the letter, as tests/support/device_language.json tells them.
-// It is the tests' own table, apart from the program's; the end-to-end tests read it as well.
+// The device's commands and the buttons that send them, to the letter, as tests/support/device_language.json tells
+// them. It is the tests' own table, apart from the program's; the end-to-end tests read it as well.
 namespace vorrano::support {
 
 // When a reply is whole: so many bytes, with these at the end.
