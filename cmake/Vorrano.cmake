@@ -21,27 +21,24 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
     # g++ 12 sees an overlap in every assignment of a literal to a std::string (GCC bug 105651).
     target_compile_options(vorrano_warnings INTERFACE -Wno-restrict)
 endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # What the annotations of platform/Mutex.h say is checked.
+    target_compile_options(vorrano_warnings INTERFACE -Wthread-safety)
+endif()
 if(VORRANO_CCACHE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # Without it ccache refuses precompiled headers.
     target_compile_options(vorrano_warnings INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
 endif()
 
-# vorrano_library(<name> FOLDER <folder below src/> [ONLY <regex> | EXCEPT <regex>]
-#                 [PUBLIC <libraries>...] [PRIVATE <libraries>...])
+# vorrano_library(<name> FOLDER <folder below src/> [PUBLIC <libraries>...] [PRIVATE <libraries>...])
 #
-# All sources of the folder (not of its subfolders) as the library vorrano_<name>; or only those, or all but those, whose
-# path matches the expression, for a folder that holds two libraries. Its headers are reached as
-# "<folder>/<Header>.h", and only by who links the library: each library has an include folder of its own, so a
-# header of a folder that was not linked is not found.
+# All sources of the folder (not of its subfolders) as the library vorrano_<name>. Its headers are included as
+# "<folder>/<Header>.h". Each library has an include folder of its own, so the header of a folder that was not linked is
+# not found.
 function(vorrano_library name)
-    cmake_parse_arguments(arg "" "FOLDER;ONLY;EXCEPT" "PUBLIC;PRIVATE" ${ARGN})
+    cmake_parse_arguments(arg "" "FOLDER" "PUBLIC;PRIVATE" ${ARGN})
     set(folder "${PROJECT_SOURCE_DIR}/src/${arg_FOLDER}")
     file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cpp")
-    if(arg_ONLY)
-        list(FILTER sources INCLUDE REGEX "${arg_ONLY}")
-    elseif(arg_EXCEPT)
-        list(FILTER sources EXCLUDE REGEX "${arg_EXCEPT}")
-    endif()
     set(root "${PROJECT_BINARY_DIR}/include/${name}")
     get_filename_component(parent "${root}/${arg_FOLDER}" DIRECTORY)
     file(MAKE_DIRECTORY "${parent}")

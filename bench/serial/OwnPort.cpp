@@ -3,7 +3,7 @@
 #include "EchoDevice.h"
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxTerminal.h"
+#include "platform/posix/LinuxTerminal.h"
 #include "platform/qt/QtMainQueue.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortDelegate.h"
@@ -91,7 +91,7 @@ public:
 private:
     support::FakeSystemLog m_log;
     qt::QtMainQueue m_mainQueue{m_log};
-    asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log, std::this_thread::get_id()};
+    asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log};
 
     // The device list's own, which nobody's time goes by.
     support::VirtualTime m_noTime{m_log};

@@ -1,15 +1,14 @@
 #include "cloud/AccountInfoViewController.h"
 
-#include "app/session/GlobalVariables.h"
-#include "app/session/TextScreening.h"
 #include "cloud/AccountTexts.h"
 #include "cloud/CloudAlerts.h"
-#include "cloud/ServiceRequests.h"
-#include "cloud/web/Reachability.h"
-#include "cloud/web/ServiceAddress.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
 #include "platform/System.h"
+#include "session/GlobalVariables.h"
+#include "session/TextScreening.h"
+#include "web/Reachability.h"
+#include "web/ServiceAddress.h"
 
 #include <exception>
 
@@ -52,10 +51,20 @@ std::array<platform::TextField*, 13> AccountInfoViewController::Fields::all() co
 
 AccountForm AccountInfoViewController::Fields::form() const
 {
-    return {
-        accountID.text(), password.text(),    confirmPassword.text(), guestPassword.text(), confirmGuestPassword.text(),
-        email.text(),     name.text(),        address.text(),         address2.text(),      cityName.text(),
-        stateName.text(), countryName.text(), zipCode.text()};
+    const web::Account account{
+        .accountID = accountID.text(),
+        .password = password.text(),
+        .guestPassword = guestPassword.text(),
+        .email = email.text(),
+        .name = name.text(),
+        .address = address.text(),
+        .address2 = address2.text(),
+        .cityName = cityName.text(),
+        .stateName = stateName.text(),
+        .countryName = countryName.text(),
+        .zipCode = zipCode.text(),
+    };
+    return {account, confirmPassword.text(), confirmGuestPassword.text()};
 }
 
 AccountInfoViewController::AccountInfoViewController()
@@ -104,7 +113,7 @@ void AccountInfoViewController::awakeFromNib()
 void AccountInfoViewController::requestAccountInfo()
 {
     m_fields.accountID.setEnabled(false);
-    m_webCall.fetch(accountAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID()),
+    m_webCall.fetch(web::accountAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID()),
                     [self = shared_from_this()](const web::Reply& reply) { self->updateViewWithAccountInfo(reply); });
 }
 
@@ -141,8 +150,8 @@ void AccountInfoViewController::saveButton(Control&)
     }
     const bool isNewAccount = GlobalVariables::getUserIsLoggedIn() == "0";
     auto address = isNewAccount
-                       ? newAccountAddress(web::serviceRoot(), entered)
-                       : accountUpdateAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(), entered);
+                       ? web::newAccountAddress(web::serviceRoot(), entered)
+                       : web::accountUpdateAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(), entered);
     m_webCall.fetch(std::move(address),
                     [self = shared_from_this()](const web::Reply& reply) { self->updateUIWithDictionary(reply); });
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "cloud/AccountForm.h"
-#include "cloud/web/Reply.h"
-#include "cloud/web/WebCall.h"
 #include "platform/Layouts.h"
+#include "web/Reply.h"
+#include "web/WebCall.h"
 
 #include <array>
 #include <map>

@@ -1,16 +1,15 @@
 #include "cloud/LoginViewController.h"
 
-#include "app/session/GlobalVariables.h"
-#include "app/session/Text.h"
 #include "cloud/CloudAlerts.h"
 #include "cloud/LoginTexts.h"
-#include "cloud/ServiceRequests.h"
-#include "cloud/web/Reachability.h"
-#include "cloud/web/ServiceAddress.h"
 #include "platform/MainQueue.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
 #include "platform/System.h"
+#include "session/GlobalVariables.h"
+#include "text/Text.h"
+#include "web/Reachability.h"
+#include "web/ServiceAddress.h"
 
 #include <chrono>
 #include <exception>
@@ -105,7 +104,7 @@ void LoginViewController::handleLogin()
 {
     m_loginUser = "1";
     m_accountId.setText(text::trimmingBlanks(m_accountId.text()));
-    m_webCall.fetch(loginAddress(web::serviceRoot(), m_accountId.text(), m_password.text()),
+    m_webCall.fetch(web::loginAddress(web::serviceRoot(), m_accountId.text(), m_password.text()),
                     [self = shared_from_this()](const web::Reply& json) { self->validateLoginWithJSON(json); });
 }
 

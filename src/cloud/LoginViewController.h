@@ -1,10 +1,10 @@
 #pragma once
 
 #include "cloud/LoginWindows.h"
-#include "cloud/web/Reply.h"
-#include "cloud/web/WebCall.h"
 #include "platform/BusyDisplay.h"
 #include "platform/Layouts.h"
+#include "web/Reply.h"
+#include "web/WebCall.h"
 
 #include <memory>
 #include <optional>

@@ -1,18 +1,17 @@
 #include "cloud/RegisterVorranoViewController.h"
 
-#include "app/session/GlobalVariables.h"
-#include "app/session/Text.h"
 #include "cloud/CloudAlerts.h"
 #include "cloud/RegisterTexts.h"
-#include "cloud/ServiceRequests.h"
-#include "cloud/web/Reachability.h"
-#include "cloud/web/ServiceAddress.h"
 #include "device/DeviceCommand.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
 #include "platform/System.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
+#include "session/GlobalVariables.h"
+#include "text/Text.h"
+#include "web/Reachability.h"
+#include "web/ServiceAddress.h"
 
 #include <exception>
 
@@ -105,8 +104,8 @@ void RegisterVorranoViewController::registerVorrano()
         return;
     }
     const auto self = std::static_pointer_cast<RegisterVorranoViewController>(shared_from_this());
-    m_webCall.fetch(registrationAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(), *m_macAddressString,
-                                        m_vorranoName.text()),
+    m_webCall.fetch(web::registrationAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(),
+                                             *m_macAddressString, m_vorranoName.text()),
                     [self](const web::Reply& reply) { self->updateUIWithDictionary(reply); });
 }
 

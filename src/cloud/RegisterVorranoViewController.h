@@ -1,8 +1,8 @@
 #pragma once
 
-#include "cloud/web/Reply.h"
-#include "cloud/web/WebCall.h"
 #include "device/DeviceTabController.h"
+#include "web/Reply.h"
+#include "web/WebCall.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "device/DeviceCommand.h"
 
-#include "app/session/Text.h"
+#include "text/Text.h"
 
 #include <cmath>
 

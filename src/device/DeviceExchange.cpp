@@ -1,6 +1,6 @@
 #include "device/DeviceExchange.h"
 
-#include "app/session/Text.h"
+#include "text/Text.h"
 
 namespace vorrano::device {
 

@@ -8,7 +8,8 @@
 
 namespace vorrano::device {
 
-// What a tab sent last, and what came. Nothing in a reply says what it answers; the command sent last is all that tells.
+// What a tab sent last, and what came. Nothing in a reply says what it answers; the command sent last is all that
+// tells.
 //
 // Threads: the main thread.
 class DeviceExchange {
@@ -20,6 +21,9 @@ public:
     // The reply, or the chunk, received last; none when it is no UTF-8.
     [[nodiscard]] const std::optional<std::string>& receivedString() const { return m_receivedString; }
     void receiveChunk(const serial::Bytes& chunk);
+    // Whether the chunk received last may hold a stored password, which must not reach the log.
+    [[nodiscard]] bool isChunkSecret() const { return m_isChunkSecret; }
+    void setChunkSecret(bool secret) { m_isChunkSecret = secret; }
     // A response to the question for the SSID gets its spaces back.
     void receiveResponse(const serial::Bytes& response);
     void forgetReceivedString() { m_receivedString.reset(); }
@@ -36,6 +40,7 @@ private:
     std::optional<DeviceCommand> m_queryNumber;
     std::optional<std::string> m_receivedString;
     serial::Bytes m_incomingDataBuffer;
+    bool m_isChunkSecret = false;
     bool m_waitingForAck = false;
 };
 

@@ -24,6 +24,12 @@ namespace {
 constexpr unsigned long kBaudRate = 9600;
 constexpr std::chrono::duration<double> kTimeLimit{2.0};
 
+std::shared_ptr<serial::SerialRequest> makeRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
+{
+    return serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
+        std::move(data), std::any(), kTimeLimit, std::move(evaluator));
+}
+
 bool isVorrano(const std::shared_ptr<SerialPort>& port) { return port->path().find(kVorranoPath) != std::string::npos; }
 
 } // namespace
@@ -145,9 +151,13 @@ void DeviceTabController::displayAlert(std::optional<std::string_view> messageTe
 
 void DeviceTabController::sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
 {
+    submit(makeRequest(std::move(data), std::move(evaluator)));
+}
+
+void DeviceTabController::submit(const std::shared_ptr<serial::SerialRequest>& request)
+{
     if (m_serialPort) {
-        m_serialPort->sendRequest(serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
-            std::move(data), std::any(), kTimeLimit, std::move(evaluator)));
+        m_serialPort->sendRequest(request);
     }
 }
 
@@ -155,7 +165,9 @@ void DeviceTabController::query(platform::Control& sender, DeviceCommand command
 {
     displayAndStartProgressIndicator(sender);
     m_exchange.setQueryNumber(command);
-    sendRequest(bytesOf(command), evaluatorOf(command));
+    const auto request = makeRequest(bytesOf(command), evaluatorOf(command));
+    request->setResponseSecret(command == DeviceCommand::ReadPassword);
+    submit(request);
 }
 
 void DeviceTabController::send(platform::Control& sender, DeviceCommand command, std::string argument)

@@ -121,6 +121,7 @@ protected:
     DeviceExchange m_exchange;
 
 private:
+    void submit(const std::shared_ptr<serial::SerialRequest>& request);
     void updateConnectionNotice();
 
     platform::Alerts& m_alerts;

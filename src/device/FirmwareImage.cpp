@@ -1,7 +1,7 @@
 #include "device/FirmwareImage.h"
 
-#include "app/session/Text.h"
 #include "device/DeviceCommand.h"
+#include "text/Text.h"
 
 #include <fstream>
 #include <iterator>

@@ -1,7 +1,5 @@
 #include "device/FirmwareUpdate.h"
 
-#include "app/session/Text.h"
-#include "cloud/web/ServiceAddress.h"
 #include "device/DeviceTexts.h"
 #include "device/FirmwareImage.h"
 #include "device/FirmwareTexts.h"
@@ -10,7 +8,10 @@
 #include "platform/OkAlert.h"
 #include "platform/OpenPanel.h"
 #include "platform/Platform.h"
+#include "platform/StayAwake.h"
 #include "platform/System.h"
+#include "text/Text.h"
+#include "web/ServiceAddress.h"
 
 #include <chrono>
 #include <exception>
@@ -43,6 +44,7 @@ FirmwareUpdate::FirmwareUpdate(FirmwareLine& line, platform::BusyDisplay& busyDi
     , m_alerts(Platform::current().alerts)
     , m_openPanel(Platform::current().openPanel)
     , m_pause(Platform::current().pause)
+    , m_stayAwake(Platform::current().stayAwake)
 {}
 
 int FirmwareUpdate::ask(std::string question)
@@ -149,6 +151,7 @@ void FirmwareUpdate::UpdateFirmwareWrite2()
 {
     try {
         m_bootloaderSequence = BootloaderSequence::Three;
+        const auto awake = m_stayAwake.stayAwake(firmware_text::kUploading);
         writeImage();
     } catch (const std::exception&) {
         display(firmware_text::kProblemDuringImage, device_text::kError);

@@ -14,6 +14,7 @@ class Alerts;
 class BusyDisplay;
 class OpenPanel;
 class Pause;
+class StayAwake;
 } // namespace vorrano::platform
 
 namespace vorrano::device {
@@ -81,6 +82,7 @@ private:
     platform::Alerts& m_alerts;
     platform::OpenPanel& m_openPanel;
     platform::Pause& m_pause;
+    platform::StayAwake& m_stayAwake;
     LatestFirmware m_latestFirmware;
     bool m_readVersion = false;
     BootloaderSequence m_bootloaderSequence = BootloaderSequence::None;

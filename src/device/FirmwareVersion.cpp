@@ -1,7 +1,6 @@
 #include "device/FirmwareVersion.h"
 
-#include "app/session/Text.h"
-#include "cloud/web/ServiceAddress.h"
+#include "text/Text.h"
 
 #include <cmath>
 #include <cstddef>
@@ -15,11 +14,6 @@ constexpr std::int32_t kFirstLongVersion = 11;
 } // namespace
 
 std::int32_t wholeVersion(double deviceVersion) { return text::saturatingInt32(std::floor(deviceVersion)); }
-
-std::string latestFirmwareAddress(std::string_view root, std::int32_t whole)
-{
-    return std::string(root).append(web::kGetLatestFirmware).append(std::to_string(whole));
-}
 
 double latestVersion(const std::optional<std::string>& answer, std::int32_t whole)
 {

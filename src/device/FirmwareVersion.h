@@ -11,8 +11,6 @@ namespace vorrano::device {
 // The part of the device's version before the point, as the service is asked about it.
 [[nodiscard]] std::int32_t wholeVersion(double deviceVersion);
 
-[[nodiscard]] std::string latestFirmwareAddress(std::string_view root, std::int32_t whole);
-
 // What the service's answer says: the number in the 4 characters (5 from version 11 on) after its first 27. No text is
 // version 0; std::out_of_range when the text ends before those characters do.
 [[nodiscard]] double latestVersion(const std::optional<std::string>& answer, std::int32_t whole);

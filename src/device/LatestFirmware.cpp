@@ -1,13 +1,12 @@
 #include "device/LatestFirmware.h"
 
-#include "app/session/Text.h"
-#include "cloud/web/Reply.h"
-#include "cloud/web/ServiceAddress.h"
-#include "device/FirmwareVersion.h"
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/Platform.h"
 #include "platform/UrlFetch.h"
+#include "text/Text.h"
+#include "web/Reply.h"
+#include "web/ServiceAddress.h"
 
 #include <mutex>
 #include <utility>
@@ -46,7 +45,7 @@ LatestFirmware::~LatestFirmware() = default;
 
 void LatestFirmware::fetch(std::int32_t wholeVersion)
 {
-    m_backgroundQueue.async([address = latestFirmwareAddress(web::serviceRoot(), wholeVersion), answer = m_answer,
+    m_backgroundQueue.async([address = web::latestFirmwareAddress(web::serviceRoot(), wholeVersion), answer = m_answer,
                              &urlFetch = m_urlFetch, &mainQueue = m_mainQueue] {
         const auto body = urlFetch.contentsOfUrl(address);
         // Parsed, but an answer that is no JSON counts as much: the version stands at a fixed place of its text.

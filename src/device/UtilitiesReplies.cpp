@@ -1,11 +1,11 @@
 #include "device/UtilitiesReplies.h"
 
-#include "app/session/Text.h"
 #include "device/DeviceExchange.h"
 #include "device/UtilitiesTexts.h"
 #include "platform/OkAlert.h"
 #include "platform/Platform.h"
 #include "platform/System.h"
+#include "text/Text.h"
 
 namespace vorrano::device {
 
@@ -46,24 +46,23 @@ void UtilitiesReplies::displayNetworkConnectivity()
     displayGathered(m_connectivityStatus, utilities_text::kConnected);
 }
 
-void UtilitiesReplies::displayGathered(std::optional<std::string>& gathered, std::string_view informativeText)
+void UtilitiesReplies::displayGathered(Accumulator& gathered, std::string_view informativeText)
 {
-    m_passwordWasGathered = m_passwordWasGathered || m_passwordsOnTheirWay > 0;
-    if (!gathered) {
-        gathered = m_exchange.receivedString();
+    gathered.mayHoldSecret = gathered.mayHoldSecret || m_exchange.isChunkSecret();
+    if (!gathered.text) {
+        gathered.text = m_exchange.receivedString();
         m_exchange.forgetReceivedString();
     }
     const auto& chunk = m_exchange.receivedString();
     if (chunk) {
-        *gathered += *chunk;
+        *gathered.text += *chunk;
     }
     if (!chunk || chunk->find(kZeroLine) != std::string::npos) {
-        m_systemLog.write("The string is " + (m_passwordWasGathered ? kWithheld : gathered.value_or("(null)")));
+        m_systemLog.write("The string is " + (gathered.mayHoldSecret ? kWithheld : gathered.text.value_or("(null)")));
         return;
     }
-    display(gathered, informativeText);
-    gathered.reset();
-    m_passwordWasGathered = m_passwordWasGathered && (m_connectivityStatus || m_adcNumber);
+    display(gathered.text, informativeText);
+    gathered = {};
 }
 
 void UtilitiesReplies::displayFirmwareVersion()

@@ -32,28 +32,26 @@ public:
     void displayTemperatureUnit();
     void displayTemperatureUnitSetAlert();
 
-    // A query that is pressed meanwhile takes the password for its own answer. What was gathered then stays out of the
-    // log.
-    void passwordWasAskedFor() { ++m_passwordsOnTheirWay; }
-    void passwordHasCome() { --m_passwordsOnTheirWay; }
-
     // The answers that are gathered until their alert; none when there is nothing gathered.
-    [[nodiscard]] const std::optional<std::string>& connectivityStatus() const { return m_connectivityStatus; }
-    [[nodiscard]] const std::optional<std::string>& adcNumber() const { return m_adcNumber; }
+    [[nodiscard]] const std::optional<std::string>& connectivityStatus() const { return m_connectivityStatus.text; }
+    [[nodiscard]] const std::optional<std::string>& adcNumber() const { return m_adcNumber.text; }
 
 private:
-    void displayGathered(std::optional<std::string>& gathered, std::string_view informativeText);
+    // An answer that comes in several chunks.
+    struct Accumulator {
+        std::optional<std::string> text;
+        // A chunk in it may be a stored password, which must not reach the log.
+        bool mayHoldSecret = false;
+    };
+    void displayGathered(Accumulator& gathered, std::string_view informativeText);
     void displayVersion(std::size_t shortest, std::string_view informativeText);
     void display(std::optional<std::string_view> messageText, std::string_view informativeText);
 
     platform::Alerts& m_alerts;
     platform::SystemLog& m_systemLog;
     DeviceExchange& m_exchange;
-    std::optional<std::string> m_connectivityStatus;
-    std::optional<std::string> m_adcNumber;
-    // How often the stored password was asked for and has not come.
-    int m_passwordsOnTheirWay = 0;
-    bool m_passwordWasGathered = false;
+    Accumulator m_connectivityStatus;
+    Accumulator m_adcNumber;
 };
 
 } // namespace vorrano::device

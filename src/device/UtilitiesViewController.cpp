@@ -1,12 +1,13 @@
 #include "device/UtilitiesViewController.h"
 
-#include "app/session/Text.h"
 #include "device/DeviceTexts.h"
 #include "device/NetworkInput.h"
 #include "device/UtilitiesTexts.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
 #include "platform/System.h"
+#include "serial/SerialPort.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <exception>
@@ -56,6 +57,7 @@ void UtilitiesViewController::connectActions()
     connectQuery("buttonPowerStatus", DeviceCommand::PowerStatus);
     connectQuery("buttonMacAddress", DeviceCommand::MacAddress);
     connectQuery("buttonGetSSID", DeviceCommand::ReadSSID);
+    connectQuery("buttonGetNetworkPassword", DeviceCommand::ReadPassword);
     connectQuery("buttonGetThrottle", DeviceCommand::ReadThrottle);
     connectRawQuery("buttonFirmwareVersion", DeviceCommand::FirmwareVersion);
     connectRawQuery("wifiFirmwareQuery", DeviceCommand::WifiFirmwareVersion);
@@ -63,7 +65,6 @@ void UtilitiesViewController::connectActions()
     connectRawQuery("buttonGetTemperatureUnit", DeviceCommand::ReadTemperatureUnit);
     connectReset("resetDevice", DeviceCommand::ResetDevice, device_text::kFinishedResettingDevice);
     connectReset("resetModem", DeviceCommand::ResetModem, utilities_text::kFinishedResettingModem);
-    connect("buttonGetNetworkPassword", &Tab::buttonGetNetworkPassword);
     connect("buttonNetworkConnectivityStatus", &Tab::buttonNetworkConnectivityStatus);
     connect("buttonSetSSID", &Tab::buttonSetSSID);
     connect("buttonSetPassword", &Tab::buttonSetPassword);
@@ -93,14 +94,6 @@ void UtilitiesViewController::setUpTemperatureDisplayPopupButton()
     m_temperatureDisplayUnitButton.removeAllItems();
     m_temperatureDisplayUnitButton.addItems(titles);
     m_temperatureDisplayUnitButton.selectItem(titles[1]);
-}
-
-void UtilitiesViewController::buttonGetNetworkPassword(Control& sender)
-{
-    if (serialPort()) {
-        m_replies.passwordWasAskedFor();
-    }
-    query(sender, DeviceCommand::ReadPassword);
 }
 
 void UtilitiesViewController::connectRawQuery(std::string_view button, DeviceCommand command)
@@ -179,13 +172,10 @@ serial::SerialPortCallbacks UtilitiesViewController::callbacks() const
     return {WasRemovedFromSystem, DidReceiveData, DidReceiveResponseToRequest, RequestDidTimeout};
 }
 
-void UtilitiesViewController::serialPortDidReceiveResponseToRequest(
-    serial::SerialPort&, const serial::Bytes& response, const std::shared_ptr<serial::SerialRequest>& request)
+void UtilitiesViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&, const serial::Bytes& response,
+                                                                    const std::shared_ptr<serial::SerialRequest>&)
 {
     m_exchange.receiveResponse(response);
-    if (request->dataToSend() == bytesOf(DeviceCommand::ReadPassword)) {
-        m_replies.passwordHasCome();
-    }
     const bool throttle = m_exchange.queryNumber() == DeviceCommand::ReadThrottle;
     hideAndStopProgressIndicator(nullptr);
     if (throttle) {
@@ -202,9 +192,10 @@ void UtilitiesViewController::serialPortRequestDidTimeout(serial::SerialPort&,
     displayAlertWithMessage(device_text::kTryAgain);
 }
 
-void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort&, const serial::Bytes& data)
+void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort& port, const serial::Bytes& data)
 {
     m_exchange.receiveChunk(data);
+    m_exchange.setChunkSecret(port.isReceivedDataSecret());
     routeToBootloader();
     routeByQueryNumber();
 }

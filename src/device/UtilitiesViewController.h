@@ -47,7 +47,6 @@ public:
 protected:
     UtilitiesViewController();
 
-    void buttonGetNetworkPassword(platform::Control& sender);
     void buttonNetworkConnectivityStatus(platform::Control& sender);
     void buttonSetSSID(platform::Control& sender);
     void buttonSetPassword(platform::Control& sender);

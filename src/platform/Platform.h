@@ -14,7 +14,9 @@ class NotificationCentre;
 class OpenPanel;
 class OperatingSystem;
 class Pause;
+class PortAccess;
 class PowerEvents;
+class StayAwake;
 class SystemLog;
 class Terminal;
 class UrlFetch;
@@ -34,6 +36,8 @@ struct Ports {
     NetworkReachability& reachability;
     UrlFetch& urlFetch;
     PowerEvents& powerEvents;
+    StayAwake& stayAwake;
+    PortAccess& portAccess;
     Pause& pause;
     SystemLog& systemLog;
     OperatingSystem& operatingSystem;

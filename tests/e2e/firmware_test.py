@@ -3,11 +3,13 @@ import os
 
 from harness.firmware import (FINISHED, PC_CONNECTED, answer, begin, expect_image, expect_proceed_question, image_of,
                               wait_for_upload)
+from harness.logind import logind
 from harness.screens import open_utilities
 from harness.waiting import stays, wait_for
 from harness.world import situation
 
 LOOPBACK = "vorrano-setup-loopback"
+AWAKE = ("sleep:idle:handle-lid-switch:shutdown", "block")
 LATEST = ("Your Vorrano is updated with the latest version. There is no need to update.", "Latest Version Detected")
 
 
@@ -23,6 +25,22 @@ def AnImageIsSentAsItStands(world):
     assert world.vorrano.received == b"7bu" + image.replace("\n", "").encode()
     expect_image(world, image)
     wait_for("the new firmware", lambda: world.vorrano.device["firmwareVersion"] == "9.60")
+
+
+@situation(started=False)
+def KeepsTheComputerAwakeDuringTheUpload(world):
+    with logind(world.folder) as login_manager:
+        world.start({"DBUS_SYSTEM_BUS_ADDRESS": login_manager.address})
+        open_utilities(world.program)
+        assert AWAKE not in login_manager.requests()
+
+        begin(world, image_of(5))
+        alert = world.program.alert()
+
+        assert (alert.title, alert.text) == FINISHED, alert
+        assert AWAKE in login_manager.requests()
+        wait_for("the computer to sleep as it likes", lambda: AWAKE not in login_manager.inhibitors())
+        world.program.dismiss(alert)
 
 
 @situation(program=LOOPBACK)

@@ -3,6 +3,7 @@
 #include "linux/EventLoop.h"
 #include "linux/PrivateBus.h"
 
+#include <chrono>
 #include <csignal>
 
 #include <QDBusArgument>
@@ -24,7 +25,9 @@ MockedService::MockedService(const QString& busName, const QString& templateName
     m_process.start(QStringLiteral("/usr/bin/python3"),
                     {QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system"),
                      QStringLiteral("--template"), templateName});
-    EXPECT_TRUE(spinUntil([&] { return bus.interface()->isServiceRegistered(busName).value(); }));
+    // A busy computer takes its time to start an interpreter.
+    EXPECT_TRUE(
+        spinUntil([&] { return bus.interface()->isServiceRegistered(busName).value(); }, std::chrono::minutes(1)));
 }
 
 MockedService::~MockedService()

@@ -25,15 +25,24 @@ namespace {
 const QString kService = "org.freedesktop.NetworkManager";
 const QString kManager = "/org/freedesktop/NetworkManager";
 const QString kWireless = "org.freedesktop.NetworkManager.Device.Wireless";
+constexpr int kUnmanaged = 10;
+constexpr int kUnavailable = 20;
+constexpr int kDisconnected = 30;
 constexpr int kActivated = 100;
 
 } // namespace
 
 class WifiScan : public testing::Test {
 protected:
-    QString addWifiDevice(const QString& name)
+    QString addWifiDevice(const QString& name, int state = kActivated)
     {
-        return service.mock(kManager, "AddWiFiDevice", {name, name, kActivated}).toString();
+        return service.mock(kManager, "AddWiFiDevice", {name, name, state}).toString();
+    }
+
+    // A device in that state which sees one access point, of the same name.
+    void addWifiDeviceThatSees(const QString& name, int state)
+    {
+        addAccessPoint(addWifiDevice("wlan" + name, state), name, name);
     }
 
     QString addAccessPoint(const QString& device, const QString& name, const QString& ssid)
@@ -118,6 +127,39 @@ TEST_F(WifiScan, TakesTheFirstWifiDeviceOfAll)
     addAccessPoint(first, "2", "First");
 
     EXPECT_THAT(wifi.scanForNetworks(), Optional(ElementsAre("First")));
+}
+
+TEST_F(WifiScan, TakesTheActivatedDeviceBeforeTheFirst)
+{
+    addWifiDeviceThatSees("First", kDisconnected);
+    addWifiDeviceThatSees("InUse", kActivated);
+
+    EXPECT_THAT(wifi.scanForNetworks(), Optional(ElementsAre("InUse")));
+}
+
+TEST_F(WifiScan, TakesTheFirstAvailableDeviceWhenNoneIsActivated)
+{
+    addWifiDeviceThatSees("First", kDisconnected);
+    addWifiDeviceThatSees("Second", kDisconnected);
+
+    EXPECT_THAT(wifi.scanForNetworks(), Optional(ElementsAre("First")));
+}
+
+TEST_F(WifiScan, PassesOverDevicesThatAreUnmanagedOrUnavailable)
+{
+    addWifiDeviceThatSees("Unmanaged", kUnmanaged);
+    addWifiDeviceThatSees("Unavailable", kUnavailable);
+    addWifiDeviceThatSees("Usable", kDisconnected);
+
+    EXPECT_THAT(wifi.scanForNetworks(), Optional(ElementsAre("Usable")));
+}
+
+TEST_F(WifiScan, HasNoResultWhenNoWifiDeviceCanBeUsed)
+{
+    addWifiDeviceThatSees("Unmanaged", kUnmanaged);
+    addWifiDeviceThatSees("Unavailable", kUnavailable);
+
+    EXPECT_EQ(wifi.scanForNetworks(), std::nullopt);
 }
 
 TEST_F(WifiScan, HasNoResultWithoutAWifiDevice)

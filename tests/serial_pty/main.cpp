@@ -1,4 +1,4 @@
-#include "platform/linux/LinuxTerminal.h"
+#include "platform/posix/LinuxTerminal.h"
 #include "serial_pty/rig/PtyDevices.h"
 
 #include <string_view>
@@ -15,7 +15,12 @@ int tryToOpen(const char* node)
     vorrano::pty_rig::PtyDevices devices;
     devices.set("device", node);
     vorrano::linux_platform::LinuxTerminal terminal(devices);
-    return terminal.open("device").error;
+    const auto line = terminal.open("device");
+    if (!line.failed()) {
+        // TIOCEXCL would outlive this process: the terminal keeps it for as long as anybody has the pty open.
+        terminal.close(line.value);
+    }
+    return line.error;
 }
 
 } // namespace

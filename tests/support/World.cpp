@@ -36,7 +36,7 @@ World::World(std::string serviceBaseUrl)
     , pause(mainQueue)
     , power(time, pause)
     , platform(platform::Ports{layouts, alerts, openPanel, mainQueue, backgroundQueue, notificationCentre, terminal,
-                               registry, wifi, reachability, urlFetch, power, pause, log, os,
+                               registry, wifi, reachability, urlFetch, power, stayAwake, portAccess, pause, log, os,
                                std::move(serviceBaseUrl)})
 {}
 

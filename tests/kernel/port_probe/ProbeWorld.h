@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxSystemLog.h"
-#include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/UdevDeviceRegistry.h"
+#include "platform/posix/LinuxSystemLog.h"
+#include "platform/posix/LinuxTerminal.h"
 #include "platform/qt/QtMainQueue.h"
 #include "support/SerialPlatform.h"
 
@@ -17,7 +17,7 @@ namespace vorrano::kernel_test {
 struct ProbeWorld {
     linux_platform::LinuxSystemLog log;
     qt::QtMainQueue mainQueue{log};
-    asio_platform::AsioBackgroundQueue background{log, std::this_thread::get_id()};
+    asio_platform::AsioBackgroundQueue background{log};
 
 private:
     linux_platform::UdevDeviceRegistry m_registry{mainQueue};

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxTerminal.h"
+#include "platform/posix/LinuxTerminal.h"
 #include "serial_pty/rig/MainLoop.h"
 #include "serial_pty/rig/PtyDevices.h"
 #include "serial_pty/rig/RigTerminal.h"
@@ -32,7 +32,7 @@ private:
 public:
     RigTerminal terminal{m_linux};
     MainLoop loop{log};
-    asio_platform::AsioBackgroundQueue background{log, std::this_thread::get_id()};
+    asio_platform::AsioBackgroundQueue background{log};
 
 private:
     support::SerialPlatform m_platform{log, loop, background, terminal, devices};

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/session/GlobalVariables.h"
 #include "cloud/LoginViewController.h"
 #include "platform/Alerts.h"
+#include "session/GlobalVariables.h"
 #include "support/World.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "unit/device/ExpectedAlerts.h"
 
-#include "app/session/Text.h"
 #include "device/UtilitiesViewController.h"
 #include "device/WifiSetupViewController.h"
+#include "text/Text.h"
 
 #include <stdexcept>
 

@@ -181,6 +181,59 @@ TEST_F(FirmwareUpload, TakesNoInputUntilItsEnd)
     EXPECT_EQ(view().text("setSSID"), "");
 }
 
+TEST_F(FirmwareUpload, KeepsTheComputerAwakeUntilItsEnd)
+{
+    const TemporaryFile image("a\nb");
+    beginUpdate(image.path());
+    reply(">");
+    EXPECT_FALSE(world.stayAwake.isOn());
+    std::vector<bool> awake;
+    for (int pause = 0; pause < 2; ++pause) {
+        world.pause.whilePaused([&] { awake.push_back(world.stayAwake.isOn()); });
+    }
+    world.alerts.whileUp([&] { awake.push_back(world.stayAwake.isOn()); });
+
+    reply("U");
+
+    EXPECT_THAT(awake, ElementsAre(true, true, false));
+    EXPECT_THAT(world.stayAwake.reasons(), ElementsAre("The firmware of the Vorrano is being updated"));
+}
+
+TEST_F(FirmwareUpload, LetsTheComputerSleepAgainWhenItThrowsInTheImage)
+{
+    const TemporaryFile image("ab\ncd\n");
+    beginUpdate(image.path());
+    reply(">");
+    throwOnWrite("c");
+    world.alerts.whileUp([this] { EXPECT_FALSE(world.stayAwake.isOn()) << "while the problem is shown"; });
+
+    reply("U");
+
+    EXPECT_EQ(world.stayAwake.reasons().size(), 1U);
+    EXPECT_FALSE(world.stayAwake.isOn());
+}
+
+TEST_F(FirmwareUpload, LetsTheComputerSleepAgainWhenTheImageCannotBeRead)
+{
+    beginUpdate("/nowhere/vorrano.hex");
+    reply(">");
+    world.alerts.whileUp([this] { EXPECT_FALSE(world.stayAwake.isOn()) << "while the problem is shown"; });
+
+    reply("U");
+
+    EXPECT_THAT(alerts(), ElementsAre(kProblemWithImage, kFinished));
+    EXPECT_FALSE(world.stayAwake.isOn());
+}
+
+TEST_F(FirmwareUpload, LetsTheComputerSleepAgainWhenTheImageIsNoUtf8)
+{
+    const TemporaryFile image("\xFF");
+
+    upload(image.path());
+
+    EXPECT_FALSE(world.stayAwake.isOn());
+}
+
 TEST_F(FirmwareUpload, PacesAnImageOf2000LinesByItsPauses)
 {
     std::string lines;
