@@ -60,7 +60,7 @@ void RegisterVorranoViewController::queryForMacAddress()
     if (index >= ports.size() || ports[index]->path().find(device::kVorranoPath) == std::string::npos) {
         return;
     }
-    setQueryNumber(DeviceCommand::MacAddress);
+    m_exchange.setQueryNumber(DeviceCommand::MacAddress);
     sendRequest(device::bytesOf(DeviceCommand::MacAddress), device::evaluatorOf(DeviceCommand::MacAddress));
 }
 
@@ -90,7 +90,7 @@ void RegisterVorranoViewController::saveButton(Control&)
         return;
     }
     if (m_vorranoName.text().empty()) {
-        displayErrorAlertWithString(std::string(register_text::kNoName));
+        displayErrorAlertWithString(register_text::kNoName);
         return;
     }
     registerVorrano();
@@ -100,7 +100,7 @@ void RegisterVorranoViewController::registerVorrano()
 {
     if (!m_macAddressString) {
         // Without it there is no address to call.
-        displayErrorAlertWithString(std::string(register_text::kNoMacAddress));
+        displayErrorAlertWithString(register_text::kNoMacAddress);
         return;
     }
     const auto self = std::static_pointer_cast<RegisterVorranoViewController>(shared_from_this());
@@ -112,24 +112,22 @@ void RegisterVorranoViewController::registerVorrano()
 void RegisterVorranoViewController::updateUIWithDictionary(const web::Reply&)
 {
     try {
-        displaySuccessAlertWithString(std::string(register_text::kRegistered));
+        displaySuccessAlertWithString(register_text::kRegistered);
     } catch (const std::exception&) {
-        displayErrorAlertWithString(std::string(register_text::kNotRegistered));
+        displayErrorAlertWithString(register_text::kNotRegistered);
     }
 }
 
-void RegisterVorranoViewController::displaySuccessAlertWithString(const std::optional<std::string>& text)
+void RegisterVorranoViewController::displaySuccessAlertWithString(std::optional<std::string_view> text)
 {
     if (text) {
-        m_alerts.runModal(okAlert(register_text::kSuccessTitle, *text));
+        displayAlert(register_text::kSuccessTitle, *text);
     }
 }
 
-void RegisterVorranoViewController::displayErrorAlertWithString(const std::optional<std::string>& text)
+void RegisterVorranoViewController::displayErrorAlertWithString(std::optional<std::string_view> text)
 {
-    if (text) {
-        m_alerts.runModal(okAlert(kErrorTitle, *text));
-    }
+    displayAlertWithMessage(text);
 }
 
 bool RegisterVorranoViewController::isNetworkConnectionNotReachable() const

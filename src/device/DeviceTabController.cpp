@@ -2,12 +2,11 @@
 
 #include "device/ConnectionNotice.h"
 #include "device/DeviceTexts.h"
-#include "platform/Alerts.h"
 #include "platform/NotificationCentre.h"
+#include "platform/OkAlert.h"
 #include "platform/Platform.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
-#include "text/Text.h"
 
 #include <algorithm>
 #include <any>
@@ -24,9 +23,6 @@ namespace {
 
 constexpr unsigned long kBaudRate = 9600;
 constexpr std::chrono::duration<double> kTimeLimit{2.0};
-constexpr std::string_view kSpinner = "loginProgressIndicator";
-constexpr double kDimmed = 0.3;
-constexpr double kOpaque = 1.0;
 
 std::shared_ptr<serial::SerialRequest> makeRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
 {
@@ -43,6 +39,7 @@ DeviceTabController::DeviceTabController(std::string_view layoutName)
     , m_notificationCentre(Platform::current().notificationCentre)
     , m_view(Platform::current().layouts.loadView(layoutName))
     , m_connectionNoticeLabel(m_view->label("connectionNoticeLabel"))
+    , m_busyDisplay(*m_view)
 {}
 
 DeviceTabController::~DeviceTabController() = default;
@@ -69,7 +66,7 @@ void DeviceTabController::initializeSerialPortForCommunication()
         // After the opening, which by itself applies the rate that the port had before.
         m_serialPort->setBaudRate(std::make_shared<const unsigned long>(kBaudRate));
     }
-    m_incomingDataBuffer.clear();
+    m_exchange.emptyIncomingDataBuffer();
     updateConnectionNotice();
 }
 
@@ -129,33 +126,27 @@ void DeviceTabController::connectQuery(std::string_view button, DeviceCommand co
     });
 }
 
-void DeviceTabController::displayAndStartProgressIndicator(platform::Control&)
+void DeviceTabController::connectReset(std::string_view button, DeviceCommand command, std::string_view finished)
 {
-    m_view->setAlpha(kDimmed);
-    auto& spinner = m_view->progressIndicator(kSpinner);
-    spinner.setHidden(false);
-    spinner.startAnimation();
+    m_view->button(button).onPress([weak = weak_from_this(), command, finished](platform::Control& sender) {
+        if (const auto self = weak.lock()) {
+            self->reset(sender, command, finished);
+        }
+    });
 }
 
-void DeviceTabController::hideAndStopProgressIndicator(platform::Control*)
-{
-    m_view->setAlpha(kOpaque);
-    auto& spinner = m_view->progressIndicator(kSpinner);
-    spinner.setHidden(true);
-    spinner.stopAnimation();
-}
+void DeviceTabController::displayAndStartProgressIndicator(platform::Control&) { m_busyDisplay.start(); }
+
+void DeviceTabController::hideAndStopProgressIndicator(platform::Control*) { m_busyDisplay.stop(); }
 
 void DeviceTabController::displayAlertWithMessage(std::optional<std::string_view> message)
 {
-    if (message) {
-        displayAlert(device_text::kErrorTitle, *message);
-    }
+    platform::showError(m_alerts, message);
 }
 
 void DeviceTabController::displayAlert(std::optional<std::string_view> messageText, std::string_view informativeText)
 {
-    m_alerts.runModal(
-        {std::optional<std::string>(messageText), {std::string(device_text::kOk)}, std::string(informativeText)});
+    m_alerts.runModal(platform::okAlert(messageText, informativeText));
 }
 
 void DeviceTabController::sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
@@ -173,7 +164,7 @@ void DeviceTabController::submit(const std::shared_ptr<serial::SerialRequest>& r
 void DeviceTabController::query(platform::Control& sender, DeviceCommand command)
 {
     displayAndStartProgressIndicator(sender);
-    setQueryNumber(command);
+    m_exchange.setQueryNumber(command);
     const auto request = makeRequest(bytesOf(command), evaluatorOf(command));
     request->setResponseSecret(command == DeviceCommand::ReadPassword);
     submit(request);
@@ -182,7 +173,7 @@ void DeviceTabController::query(platform::Control& sender, DeviceCommand command
 void DeviceTabController::send(platform::Control& sender, DeviceCommand command, std::string argument)
 {
     displayAndStartProgressIndicator(sender);
-    setQueryNumber(command);
+    m_exchange.setQueryNumber(command);
     sendRequest(bytesOf(command));
     if (descriptionOf(command).argument == Argument::FreeText) {
         sendRequest(std::move(argument));
@@ -204,22 +195,6 @@ void DeviceTabController::write(const serial::Bytes& data)
 {
     if (m_serialPort) {
         m_serialPort->sendData(data);
-    }
-}
-
-void DeviceTabController::writeAwaitingAck(const serial::Bytes& data)
-{
-    write(data);
-    setWaitingForAck();
-}
-
-void DeviceTabController::receive(const serial::Bytes& data) { m_receivedString = text::textFromUtf8(data); }
-
-void DeviceTabController::receiveResponse(const serial::Bytes& response)
-{
-    receive(response);
-    if (m_receivedString && m_queryNumber == DeviceCommand::ReadSSID) {
-        m_receivedString = replaceDollarSignWithSpaces(*m_receivedString);
     }
 }
 

@@ -5,8 +5,6 @@
 // What more than one of the device's tabs says. The wording is meant, "routers" without an apostrophe included.
 namespace vorrano::device::device_text {
 
-inline constexpr std::string_view kOk = "OK";
-inline constexpr std::string_view kErrorTitle = "ERROR";
 inline constexpr std::string_view kError = "Error";
 inline constexpr std::string_view kSuccess = "Success";
 inline constexpr std::string_view kTryAgain = "Please try again";

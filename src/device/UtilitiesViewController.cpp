@@ -22,23 +22,6 @@ namespace {
 // 20 is refused, though the message names it.
 constexpr std::int64_t kSmallestThrottle = 21;
 constexpr std::int64_t kLargestThrottle = 90;
-constexpr std::size_t kShortestFirmwareVersion = 6;
-constexpr std::size_t kShortestWifiFirmwareVersion = 13;
-constexpr std::string_view kZeroLine = "0\n\r";
-constexpr std::string_view kOneLine = "1\n\r";
-constexpr std::string_view kOkLine = "OK\n\r";
-constexpr const char* kWithheld = "(withheld)";
-
-std::optional<std::string_view> unitOfReply(const std::optional<std::string>& reply)
-{
-    if (reply == kZeroLine) {
-        return utilities_text::kFahrenheit;
-    }
-    if (reply == kOneLine) {
-        return utilities_text::kCelsius;
-    }
-    return std::nullopt;
-}
 
 std::uint16_t numberOfUnit(const std::optional<std::string>& title)
 {
@@ -60,12 +43,12 @@ std::shared_ptr<UtilitiesViewController> UtilitiesViewController::create()
 
 UtilitiesViewController::UtilitiesViewController()
     : DeviceTabController("UtilitiesViewController")
-    , m_systemLog(Platform::current().systemLog)
     , m_setSSID(view()->textField("setSSID"))
     , m_setPassword(view()->textField("setPassword"))
     , m_setThrottleTextField(view()->textField("setThrottleTextField"))
     , m_temperatureDisplayUnitButton(view()->popUpButton("temperatureDisplayUnitButton"))
-    , m_firmwareUpdate(*this)
+    , m_replies(m_exchange)
+    , m_firmwareUpdate(*this, busyDisplay())
 {}
 
 void UtilitiesViewController::connectActions()
@@ -80,13 +63,13 @@ void UtilitiesViewController::connectActions()
     connectRawQuery("wifiFirmwareQuery", DeviceCommand::WifiFirmwareVersion);
     connectRawQuery("buttonADC", DeviceCommand::AdcVersion);
     connectRawQuery("buttonGetTemperatureUnit", DeviceCommand::ReadTemperatureUnit);
+    connectReset("resetDevice", DeviceCommand::ResetDevice, device_text::kFinishedResettingDevice);
+    connectReset("resetModem", DeviceCommand::ResetModem, utilities_text::kFinishedResettingModem);
     connect("buttonNetworkConnectivityStatus", &Tab::buttonNetworkConnectivityStatus);
     connect("buttonSetSSID", &Tab::buttonSetSSID);
     connect("buttonSetPassword", &Tab::buttonSetPassword);
     connect("buttonSetThrottle", &Tab::buttonSetThrottle);
     connect("buttonSetTemperatureUnit", &Tab::buttonSetTemperatureUnit);
-    connect("resetDevice", &Tab::resetDevice);
-    connect("resetModem", &Tab::resetModem);
     connect("buttonUpdateFirmware", &Tab::buttonUpdateFirmware);
 }
 
@@ -117,15 +100,26 @@ void UtilitiesViewController::connectRawQuery(std::string_view button, DeviceCom
 {
     view()->button(button).onPress([weak = weak_from_this(), command](Control&) {
         if (const auto self = weak.lock()) {
-            self->setQueryNumber(command);
-            self->writeAwaitingAck(bytesOf(command));
+            static_cast<UtilitiesViewController&>(*self).writeQuery(command);
         }
     });
 }
 
+void UtilitiesViewController::writeQuery(DeviceCommand command)
+{
+    m_exchange.setQueryNumber(command);
+    writeAwaitingAck(bytesOf(command));
+}
+
+void UtilitiesViewController::writeAwaitingAck(const serial::Bytes& data)
+{
+    write(data);
+    m_exchange.setWaitingForAck();
+}
+
 void UtilitiesViewController::buttonNetworkConnectivityStatus(Control&)
 {
-    setQueryNumber(DeviceCommand::ConnectivityStatus);
+    m_exchange.setQueryNumber(DeviceCommand::ConnectivityStatus);
     write(bytesOf(DeviceCommand::ConnectivityStatus));
 }
 
@@ -152,8 +146,8 @@ void UtilitiesViewController::buttonSetPassword(Control& sender)
 void UtilitiesViewController::buttonSetThrottle(Control& sender)
 {
     // Even when the input is refused.
-    setQueryNumber(DeviceCommand::SetThrottle);
-    setWaitingForAck();
+    m_exchange.setQueryNumber(DeviceCommand::SetThrottle);
+    m_exchange.setWaitingForAck();
     const auto throttle = text::integerValue(m_setThrottleTextField.text());
     if (throttle < kSmallestThrottle || throttle > kLargestThrottle) {
         displayAlert(utilities_text::kInvalidThrottle, utilities_text::kThrottleRange);
@@ -164,23 +158,13 @@ void UtilitiesViewController::buttonSetThrottle(Control& sender)
 
 void UtilitiesViewController::buttonSetTemperatureUnit(Control&)
 {
-    setQueryNumber(DeviceCommand::SetTemperatureUnit);
-    setWaitingForAck();
+    m_exchange.setQueryNumber(DeviceCommand::SetTemperatureUnit);
+    m_exchange.setWaitingForAck();
     write(bytesOf(DeviceCommand::SetTemperatureUnit));
     write(characterOfLow16Bits(numberOfUnit(m_temperatureDisplayUnitButton.titleOfSelectedItem())));
 }
 
-void UtilitiesViewController::resetDevice(Control& sender)
-{
-    reset(sender, DeviceCommand::ResetDevice, device_text::kFinishedResettingDevice);
-}
-
-void UtilitiesViewController::resetModem(Control& sender)
-{
-    reset(sender, DeviceCommand::ResetModem, utilities_text::kFinishedResettingModem);
-}
-
-void UtilitiesViewController::buttonUpdateFirmware(Control& sender) { m_firmwareUpdate.buttonUpdateFirmware(sender); }
+void UtilitiesViewController::buttonUpdateFirmware(Control&) { m_firmwareUpdate.buttonUpdateFirmware(); }
 
 serial::SerialPortCallbacks UtilitiesViewController::callbacks() const
 {
@@ -191,13 +175,13 @@ serial::SerialPortCallbacks UtilitiesViewController::callbacks() const
 void UtilitiesViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&, const serial::Bytes& response,
                                                                     const std::shared_ptr<serial::SerialRequest>&)
 {
-    receiveResponse(response);
-    const bool throttle = queryNumber() == DeviceCommand::ReadThrottle;
+    m_exchange.receiveResponse(response);
+    const bool throttle = m_exchange.queryNumber() == DeviceCommand::ReadThrottle;
     hideAndStopProgressIndicator(nullptr);
     if (throttle) {
-        displayThrottle();
+        m_replies.displayThrottle();
     } else {
-        displayAlert(receivedString(), device_text::kSuccess);
+        displayAlert(m_exchange.receivedString(), device_text::kSuccess);
     }
 }
 
@@ -210,9 +194,8 @@ void UtilitiesViewController::serialPortRequestDidTimeout(serial::SerialPort&,
 
 void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort& port, const serial::Bytes& data)
 {
-    receive(data);
-    m_isChunkSecret = port.isReceivedDataSecret();
-    m_incomingDataBuffer += data;
+    m_exchange.receiveChunk(data);
+    m_exchange.setChunkSecret(port.isReceivedDataSecret());
     routeToBootloader();
     routeByQueryNumber();
 }
@@ -220,7 +203,7 @@ void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort& port,
 void UtilitiesViewController::routeToBootloader()
 {
     try {
-        m_firmwareUpdate.bootloaderDidAnswer(receivedString());
+        m_firmwareUpdate.bootloaderDidAnswer(m_exchange.receivedString());
     } catch (const std::exception&) {
         // Whatever becomes of the update, the chunk is still read as an answer.
     }
@@ -228,107 +211,52 @@ void UtilitiesViewController::routeToBootloader()
 
 void UtilitiesViewController::routeByQueryNumber()
 {
-    if (!queryNumber()) {
+    if (!m_exchange.queryNumber()) {
         return;
     }
-    switch (*queryNumber()) {
+    switch (*m_exchange.queryNumber()) {
     case DeviceCommand::ReadTemperatureUnit:
-        displayTemperatureUnit();
+        m_replies.displayTemperatureUnit();
         break;
     case DeviceCommand::SetTemperatureUnit:
-        displayTemperatureUnitSetAlert();
+        m_replies.displayTemperatureUnitSetAlert();
         break;
     case DeviceCommand::AdcVersion:
-        displayADC();
+        m_replies.displayADC();
         break;
     case DeviceCommand::ConnectivityStatus:
-        displayNetworkConnectivity();
+        m_replies.displayNetworkConnectivity();
         break;
     case DeviceCommand::FirmwareVersion:
         displayFirmwareVersion();
         break;
     case DeviceCommand::WifiFirmwareVersion:
-        displayWifiFirmwareVersion();
+        m_replies.displayWifiFirmwareVersion();
         break;
     default:
         break;
     }
 }
 
-void UtilitiesViewController::displayADC() { displayGathered(m_adcNumber, utilities_text::kAdcVersion); }
-
-void UtilitiesViewController::displayNetworkConnectivity()
-{
-    displayGathered(m_connectivityStatus, utilities_text::kConnected);
-}
-
-// The first chunk only begins the gathering; the alert comes with a later one that holds no zero line.
-void UtilitiesViewController::displayGathered(Accumulator& gathered, std::string_view informativeText)
-{
-    gathered.mayHoldSecret = gathered.mayHoldSecret || m_isChunkSecret;
-    if (!gathered.text) {
-        gathered.text = receivedString();
-        forgetReceivedString();
-    }
-    const auto& chunk = receivedString();
-    if (chunk) {
-        *gathered.text += *chunk;
-    }
-    if (!chunk || chunk->find(kZeroLine) != std::string::npos) {
-        m_systemLog.write("The string is " + (gathered.mayHoldSecret ? kWithheld : gathered.text.value_or("(null)")));
-        return;
-    }
-    displayAlert(gathered.text, informativeText);
-    gathered = {};
-}
-
 void UtilitiesViewController::displayFirmwareVersion()
 {
-    if (m_firmwareUpdate.readVersion()) {
-        m_firmwareUpdate.checkLatestFirmware(receivedString().value_or(""));
-        forgetReceivedString();
+    if (!m_firmwareUpdate.readVersion()) {
+        m_replies.displayFirmwareVersion();
         return;
     }
-    displayVersion(kShortestFirmwareVersion, utilities_text::kFirmwareVersion);
-}
-
-void UtilitiesViewController::displayWifiFirmwareVersion()
-{
-    displayVersion(kShortestWifiFirmwareVersion, utilities_text::kWifiFirmwareVersion);
-}
-
-void UtilitiesViewController::displayVersion(std::size_t shortest, std::string_view informativeText)
-{
-    if (receivedString() && text::utf16Length(*receivedString()) >= shortest) {
-        displayAlert(receivedString(), informativeText);
-        forgetReceivedString();
-    }
-}
-
-void UtilitiesViewController::displayThrottle()
-{
-    const auto throttle = throttleFromReply(receivedString().value_or(""));
-    displayAlert(std::to_string(throttle), utilities_text::kThrottle);
-}
-
-void UtilitiesViewController::displayTemperatureUnit() { displayAlert(unitOfReply(receivedString()), ""); }
-
-void UtilitiesViewController::displayTemperatureUnitSetAlert()
-{
-    if (receivedString() == kOkLine) {
-        displayAlert(receivedString(), "");
-    }
+    m_firmwareUpdate.checkLatestFirmware(m_exchange.receivedString().value_or(""));
+    m_exchange.forgetReceivedString();
 }
 
 bool UtilitiesViewController::dataBufferHasCompleteMacAddressPacket() const
 {
-    return kMacPacket.isWhole(incomingDataBuffer());
+    return kMacPacket.isWhole(m_exchange.incomingDataBuffer());
 }
 
 void UtilitiesViewController::test()
 {
     displayAlert(utilities_text::kTestPassed, utilities_text::kFirmwareVersion);
-    forgetReceivedString();
+    m_exchange.forgetReceivedString();
 }
 
 } // namespace vorrano::device

@@ -58,10 +58,10 @@ void WifiSetupViewController::connectActions()
     connect("saveSecurityTypeButton", &Tab::saveSecurityTypeButton);
     connect("savePasswordButton", &Tab::savePasswordButton);
     connect("saveKeyButton", &Tab::buttonSaveKey);
-    connect("buttonResetDevice", &Tab::buttonResetDevice);
     connectQuery("buttonCheckSSID", DeviceCommand::ReadSSID);
     connectQuery("buttonCheckPassword", DeviceCommand::ReadPassword);
     connectQuery("buttonCheckNetworkConnection", DeviceCommand::ConnectivityStatus);
+    connectReset("buttonResetDevice", DeviceCommand::ResetDevice, device_text::kFinishedResettingDevice);
 }
 
 void WifiSetupViewController::awakeFromNib()
@@ -163,11 +163,6 @@ void WifiSetupViewController::buttonSaveKey(Control& sender)
     send(sender, DeviceCommand::SetWepKey, key);
 }
 
-void WifiSetupViewController::buttonResetDevice(Control& sender)
-{
-    reset(sender, DeviceCommand::ResetDevice, device_text::kFinishedResettingDevice);
-}
-
 serial::SerialPortCallbacks WifiSetupViewController::callbacks() const
 {
     using enum serial::SerialPortCallback;
@@ -177,9 +172,9 @@ serial::SerialPortCallbacks WifiSetupViewController::callbacks() const
 void WifiSetupViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&, const serial::Bytes& response,
                                                                     const std::shared_ptr<serial::SerialRequest>&)
 {
-    receiveResponse(response);
+    m_exchange.receiveResponse(response);
     hideAndStopProgressIndicator(nullptr);
-    displayAlert(receivedString(), device_text::kSuccess);
+    displayAlert(m_exchange.receivedString(), device_text::kSuccess);
 }
 
 void WifiSetupViewController::serialPortRequestDidTimeout(serial::SerialPort&,

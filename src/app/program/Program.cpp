@@ -57,7 +57,7 @@ void releaseProcessWideObjects()
 {
     serial::SerialPortManager::releaseShared();
     session::GlobalVariables::releaseShared();
-    cloud::LoginViewController::releaseShared();
+    cloud::LoginViewController::forgetNetworkScan();
 }
 
 // The adapters in the order in which they need each other.

@@ -34,7 +34,7 @@ struct CloudTest : testing::Test {
     void TearDown() override
     {
         session::GlobalVariables::releaseShared();
-        LoginViewController::releaseShared();
+        LoginViewController::forgetNetworkScan();
     }
 
     // Whether a text is in none of the log's lines.

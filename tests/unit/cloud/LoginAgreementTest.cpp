@@ -139,7 +139,7 @@ namespace {
 struct LoginsWifiScan : LoginScreen {
     LoginsWifiScan()
     {
-        LoginViewController::releaseShared();
+        LoginViewController::forgetNetworkScan();
         world.wifi.setNetworks(std::vector<std::string>{"My Home Net", "Other"});
     }
     int scansBefore = world.wifi.scans();

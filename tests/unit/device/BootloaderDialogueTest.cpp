@@ -44,9 +44,9 @@ TEST_F(BootloaderDialogue, ResetsTheDeviceIntoItsBootloaderWithoutAPause)
     EXPECT_EQ(line().writes()[0].at, line().writes()[1].at);
     EXPECT_EQ(step(), BootloaderSequence::One);
     EXPECT_EQ(tab->firmwareUpdate().filename(), image.path());
-    EXPECT_TRUE(tab->waitingForAck());
+    EXPECT_TRUE(tab->exchange().waitingForAck());
     EXPECT_TRUE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), std::nullopt);
+    EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
 }
 
 TEST_F(BootloaderDialogue, AsksForTheUploadAtTheBootloadersPrompt)

@@ -45,11 +45,11 @@ TEST_P(ACommand, IsSentAndRemembered)
     begin();
 
     EXPECT_EQ(isBusy(), GetParam().way == Way::Request);
-    EXPECT_EQ(tab->waitingForAck(), GetParam().waitingForAck);
+    EXPECT_EQ(tab->exchange().waitingForAck(), GetParam().waitingForAck);
     if (GetParam().way == Way::Reset) {
-        EXPECT_EQ(tab->queryNumber(), std::nullopt);
+        EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
     } else {
-        EXPECT_EQ(bytesOf(tab->queryNumber().value()), std::string(1, GetParam().command.code));
+        EXPECT_EQ(bytesOf(tab->exchange().queryNumber().value()), std::string(1, GetParam().command.code));
     }
 }
 

@@ -19,6 +19,18 @@ struct DeviceConnection : DeviceTabTest<WifiSetupViewController> {
     }
 };
 
+// The operations that no person can ask for.
+struct OpenTab : WifiSetupViewController {
+    using WifiSetupViewController::displayAlertWithMessage;
+    using WifiSetupViewController::initializeSerialPortForCommunication;
+    using WifiSetupViewController::m_exchange;
+    using WifiSetupViewController::setSerialPort;
+
+    static std::shared_ptr<OpenTab> create() { return std::make_shared<OpenTab>(); }
+};
+
+struct ATabByItself : DeviceTabTest<OpenTab> {};
+
 const std::string kNoVorrano = "No Vorrano is connected. Plug it in with its USB cable.";
 const std::string kOtherVorrano =
     "The Vorrano in use was unplugged. Another one is connected: choose this tab again to use it.";
@@ -30,7 +42,6 @@ TEST_F(DeviceConnection, TakesTheFirstPortWhosePathNamesAVorrano)
 
     chooseTab();
 
-    EXPECT_EQ(tab->indexOfDevice(), 1U);
     EXPECT_EQ(tab->serialPort()->path(), "/dev/cu.usbserial-A1B2");
     EXPECT_TRUE(vorrano.isOpen());
     EXPECT_EQ(world.terminal.openDescriptors(), 1U);
@@ -43,7 +54,6 @@ TEST_F(DeviceConnection, DoesNotTakeADialInPathForAVorranos)
 
     chooseTab();
 
-    EXPECT_EQ(tab->indexOfDevice(), 0U);
     EXPECT_TRUE(first.isOpen());
 }
 
@@ -54,7 +64,7 @@ TEST_F(DeviceConnection, FindsTheNameAnywhereInThePath)
 
     chooseTab();
 
-    EXPECT_EQ(tab->indexOfDevice(), 1U);
+    EXPECT_EQ(tab->serialPort()->path(), "/net/dev/cu.usbserial-A1B2");
 }
 
 TEST_F(DeviceConnection, NeverTakesASecondVorrano)
@@ -169,7 +179,7 @@ TEST_F(DeviceConnection, LosesWhatIsSentWithoutAPortAndStaysBusy)
     world.advance(10s);
 
     EXPECT_EQ(vorrano.written(), "");
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::ReadSSID);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::ReadSSID);
     EXPECT_TRUE(isBusy());
     EXPECT_THAT(alerts(), IsEmpty());
 }
@@ -201,7 +211,7 @@ TEST_F(DeviceConnection, WithoutAnyPortActsAsAfterItsRemoval)
     view().type("SSID", "Net");
     press("saveSSIDButton");
     world.advance(10s);
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::SetSSID);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::SetSSID);
     EXPECT_TRUE(isBusy());
     EXPECT_THAT(alerts(), IsEmpty());
 
@@ -211,7 +221,7 @@ TEST_F(DeviceConnection, WithoutAnyPortActsAsAfterItsRemoval)
     EXPECT_THAT(world.log.lines(), IsEmpty());
 }
 
-TEST_F(DeviceConnection, LetsItsPortGoWhenItIsMadeAnewFromAnEmptyList)
+TEST_F(ATabByItself, LetsItsPortGoWhenItIsMadeAnewFromAnEmptyList)
 {
     auto& vorrano = chooseTabWithVorrano();
     serial::SerialPortManager::sharedSerialPortManager()->setAvailablePorts({});
@@ -321,21 +331,17 @@ TEST_F(DeviceConnection, TakesTheOtherVorranoWithTheNextSerialDeviceThatIsPlugge
     EXPECT_EQ(notice(), std::nullopt);
 }
 
-TEST_F(DeviceConnection, EmptiesTheIncomingBufferWhenItIsMadeAnew)
+TEST_F(ATabByItself, EmptiesTheIncomingBufferWhenItIsMadeAnew)
 {
-    struct Gathering : WifiSetupViewController {
-        void gather() { m_incomingDataBuffer = "old"; }
-    };
-    world.plugVorrano();
-    const auto gathering = std::make_shared<Gathering>();
-    gathering->gather();
+    chooseTabWithVorrano();
+    tab->m_exchange.receiveChunk("old");
 
-    gathering->initializeSerialPortForCommunication();
+    tab->initializeSerialPortForCommunication();
 
-    EXPECT_EQ(gathering->incomingDataBuffer(), "");
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), "");
 }
 
-TEST_F(DeviceConnection, DoesNothingWhenTheSamePortIsSetAgain)
+TEST_F(ATabByItself, DoesNothingWhenTheSamePortIsSetAgain)
 {
     chooseTabWithVorrano();
 
@@ -358,7 +364,7 @@ TEST_F(DeviceConnection, TimesOutOnAPortThatSomebodyElseHasOpen)
     EXPECT_FALSE(isBusy());
 }
 
-TEST_F(DeviceConnection, SurvivesAPortThatIsGoneBeforeItIsTaken)
+TEST_F(ATabByItself, SurvivesAPortThatIsGoneBeforeItIsTaken)
 {
     world.plugVorrano();
     chooseTab();
@@ -387,7 +393,7 @@ TEST_F(DeviceConnection, SleepsAndWakesWithTheComputer)
     EXPECT_EQ(::cfgetospeed(&vorrano.attributes().record), speed_t{B9600});
 }
 
-TEST_F(DeviceConnection, ShowsNoAlertForAnAbsentMessage)
+TEST_F(ATabByItself, ShowsNoAlertForAnAbsentMessage)
 {
     chooseTab();
 

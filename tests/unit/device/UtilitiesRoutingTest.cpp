@@ -16,7 +16,7 @@ TEST_F(UtilitiesRouting, ShowsNothingOfWhatIsSentUnasked)
     reply("Vorrano ready\n\r");
 
     EXPECT_THAT(alerts(), IsEmpty());
-    EXPECT_EQ(tab->receivedString(), "Vorrano ready\n\r");
+    EXPECT_EQ(tab->exchange().receivedString(), "Vorrano ready\n\r");
 }
 
 TEST_F(UtilitiesRouting, KeepsEachChunkAloneAndAllBytesTogether)
@@ -24,8 +24,8 @@ TEST_F(UtilitiesRouting, KeepsEachChunkAloneAndAllBytesTogether)
     reply("one");
     reply("two\xFF");
 
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
-    EXPECT_EQ(tab->incomingDataBuffer(), "onetwo\xFF");
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), "onetwo\xFF");
 }
 
 TEST_F(UtilitiesRouting, ShowsTheTemperatureUnit)
@@ -84,11 +84,11 @@ TEST_F(UtilitiesRouting, ShowsAFirmwareVersionOfSixCharactersAndNotOfFive)
 
     reply("9.5\n\r");
     EXPECT_THAT(alerts(), IsEmpty());
-    EXPECT_EQ(tab->receivedString(), "9.5\n\r");
+    EXPECT_EQ(tab->exchange().receivedString(), "9.5\n\r");
     reply("9.50\n\r");
 
     EXPECT_EQ(world.alerts.only(), alertOf("9.50\n\r", "Device Firmware Version"));
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_F(UtilitiesRouting, ShowsAWifiFirmwareVersionOfThirteenCharactersAndNotOfTwelve)
@@ -100,7 +100,7 @@ TEST_F(UtilitiesRouting, ShowsAWifiFirmwareVersionOfThirteenCharactersAndNotOfTw
     reply("WF200 2.1.7\n\r");
 
     EXPECT_EQ(world.alerts.only(), alertOf("WF200 2.1.7\n\r", "Wifi Firmware Version"));
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_F(UtilitiesRouting, CountsAVersionsCharactersInUtf16)
@@ -123,7 +123,7 @@ class Gathering : public UtilitiesRouting, public testing::WithParamInterface<Ga
 protected:
     [[nodiscard]] const std::optional<std::string>& gathered() const
     {
-        return GetParam().informativeText == kAdc ? tab->adcNumber() : tab->connectivityStatus();
+        return GetParam().informativeText == kAdc ? tab->replies().adcNumber() : tab->replies().connectivityStatus();
     }
     [[nodiscard]] Alert shown(const std::string& text) const { return alertOf(text, GetParam().informativeText); }
 };
@@ -137,7 +137,7 @@ TEST_P(Gathering, ShowsNoAlertForAReplyInOneChunk)
     EXPECT_THAT(alerts(), IsEmpty());
     EXPECT_THAT(world.log.lines(), ElementsAre("The string is Connected\n\r"));
     EXPECT_EQ(gathered(), "Connected\n\r");
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_P(Gathering, ShowsBothChunksJoinedWithTheSecond)
@@ -283,7 +283,7 @@ TEST_P(AResponseAsData, ShowsNothingBesidesTheResponse)
     reply(GetParam().answer);
 
     EXPECT_EQ(alerts().size(), 1U);
-    EXPECT_EQ(tab->incomingDataBuffer(), GetParam().answer);
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), GetParam().answer);
     EXPECT_THAT(world.log.lines(), IsEmpty());
 }
 

@@ -95,7 +95,7 @@ TEST_F(UtilitiesTab, SendsAnSSIDOf32Characters)
 
     EXPECT_THAT(writes(), ElementsAre("8", std::string(30, 'x') + "$y", "\0"s));
     EXPECT_TRUE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::SetSSID);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::SetSSID);
     reply("OK\n\r");
     EXPECT_EQ(world.alerts.only(), alertOf("OK\n\r", "Success"));
 }
@@ -127,7 +127,7 @@ TEST_F(UtilitiesTab, RefusesAnSSIDWithADollarSign)
 
     EXPECT_EQ(world.alerts.only(), error(kSSIDHasDollarSign));
     EXPECT_THAT(writes(), IsEmpty());
-    EXPECT_EQ(tab->queryNumber(), std::nullopt);
+    EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
 }
 
 TEST_F(UtilitiesTab, SendsAPasswordOf64CharactersWithItsDollarSignsAndSpaces)
@@ -176,7 +176,7 @@ TEST_P(UtilitiesTabThrottle, IsSentAsOneByte)
 
     EXPECT_THAT(writes(), ElementsAre("e", GetParam().byte));
     EXPECT_TRUE(isBusy());
-    EXPECT_TRUE(tab->waitingForAck());
+    EXPECT_TRUE(tab->exchange().waitingForAck());
     reply("OK\n\r");
     EXPECT_EQ(world.alerts.only(), alertOf("OK\n\r", "Success"));
 }
@@ -196,8 +196,8 @@ TEST_P(UtilitiesTabRefusedThrottle, ChangesTheCommandRememberedBeforeItIsRefused
     EXPECT_EQ(world.alerts.only(), kInvalidThrottle);
     EXPECT_THAT(writes(), IsEmpty());
     EXPECT_FALSE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::SetThrottle);
-    EXPECT_TRUE(tab->waitingForAck());
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::SetThrottle);
+    EXPECT_TRUE(tab->exchange().waitingForAck());
 }
 
 INSTANTIATE_TEST_SUITE_P(OutOfRange, UtilitiesTabRefusedThrottle,
@@ -225,7 +225,7 @@ TEST_F(UtilitiesTab, ResetsTheDeviceWithoutWaitingForIt)
     EXPECT_THAT(writes(), ElementsAre("1", "7"));
     EXPECT_EQ(world.alerts.only(), alertOf("Finished Resetting Device", "Success"));
     EXPECT_FALSE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::AdcVersion);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::AdcVersion);
 }
 
 TEST_F(UtilitiesTab, ResetsTheModemWithoutWaitingForIt)
@@ -236,7 +236,7 @@ TEST_F(UtilitiesTab, ResetsTheModemWithoutWaitingForIt)
     EXPECT_THAT(writes(), ElementsAre("6"));
     EXPECT_EQ(world.alerts.only(), alertOf("Finished Resetting Modem", "Success"));
     EXPECT_FALSE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), std::nullopt);
+    EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
 }
 
 TEST_F(UtilitiesTab, TellsOfTheTestThatNoControlIsBoundTo)
@@ -246,18 +246,18 @@ TEST_F(UtilitiesTab, TellsOfTheTestThatNoControlIsBoundTo)
     tab->test();
 
     EXPECT_EQ(world.alerts.only(), alertOf("pass", "Device Firmware Version"));
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_F(UtilitiesTab, TakesANewlyPluggedVorranoAndEmptiesTheIncomingBuffer)
 {
     reply("something");
-    EXPECT_EQ(tab->incomingDataBuffer(), "something");
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), "something");
 
     world.plugSerialDevice("/dev/ttyS0");
     world.run();
 
-    EXPECT_EQ(tab->incomingDataBuffer(), "");
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), "");
     EXPECT_TRUE(line().isOpen());
 }
 

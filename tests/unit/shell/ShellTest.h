@@ -36,7 +36,7 @@ protected:
     {
         m_program.reset();
         serial::SerialPortManager::releaseShared();
-        cloud::LoginViewController::releaseShared();
+        cloud::LoginViewController::forgetNetworkScan();
         GlobalVariables::releaseShared();
     }
 
