@@ -23,8 +23,8 @@ public:
 
     // The name of a program, other than this one, that has the device open: without control characters, and 15 bytes at
     // most, which may cut a UTF-8 character in two. None where nobody has it open, and where the system does not show
-    // who has: it shows nobody the programs of another person. Takes some milliseconds for each hundred programs that
-    // run.
+    // who has: it shows nobody the programs of another person. Looks at every open file of every program, which takes
+    // some ten milliseconds: a question for after a failure, not for every second.
     [[nodiscard]] virtual std::optional<std::string> programThatUses(const std::string& path) const = 0;
 };
 

@@ -18,7 +18,6 @@ MockedService::MockedService(const QString& busName, const QString& templateName
     : m_busName(busName)
 {
     PrivateBus::instance();
-    auto bus = QDBusConnection::systemBus();
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
@@ -26,14 +25,20 @@ MockedService::MockedService(const QString& busName, const QString& templateName
                     {QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system"),
                      QStringLiteral("--template"), templateName});
     // A busy computer takes its time to start an interpreter.
-    EXPECT_TRUE(
-        spinUntil([&] { return bus.interface()->isServiceRegistered(busName).value(); }, std::chrono::minutes(1)));
+    EXPECT_TRUE(spinUntil([this] { return isOnTheBus(); }, std::chrono::minutes(1)));
 }
 
 MockedService::~MockedService()
 {
     m_process.kill();
     m_process.waitForFinished();
+    // The bus learns of the end a little later. Until then the next service would seem to be there already.
+    EXPECT_TRUE(spinUntil([this] { return !isOnTheBus(); }, std::chrono::minutes(1)));
+}
+
+bool MockedService::isOnTheBus() const
+{
+    return QDBusConnection::systemBus().interface()->isServiceRegistered(m_busName).value();
 }
 
 QVariant MockedService::call(const QString& path, const QString& interface, const QString& method,

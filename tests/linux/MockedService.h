@@ -29,6 +29,8 @@ public:
     void freeze();
 
 private:
+    [[nodiscard]] bool isOnTheBus() const;
+
     QString m_busName;
     QProcess m_process;
 };
