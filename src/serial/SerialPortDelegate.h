@@ -81,7 +81,8 @@ public:
     // The device is gone. The port closes right after this call, unless it has been opened anew by then.
     virtual void serialPortWasRemovedFromSystem(SerialPort& /*port*/) {}
 
-    // Every chunk that was read (at most 1024 bytes), request or not; before the response that it completes.
+    // Every chunk that was read (at most 1024 bytes), request or not; before the response that it completes, whose
+    // bytes are in the order of these calls.
     virtual void serialPortDidReceiveData(SerialPort& /*port*/, const Bytes& /*data*/) {}
 
     // What the request's evaluator accepted; never empty.

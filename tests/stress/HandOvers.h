@@ -8,8 +8,8 @@
 
 namespace vorrano::stress {
 
-// The contract of a serial queue: each task runs once, one at a time, in order. In order means: where the call that hands
-// over a task has returned before the call that hands over another begins, that task runs first.
+// The contract of a serial queue: each task runs once, one at a time, in order. In order means: where the call that
+// hands over a task has returned before the call that hands over another begins, that task runs first.
 //
 // Threads: any.
 class HandOvers {

@@ -21,7 +21,10 @@ void Hearing::expectResponse(Number request, std::optional<std::string> bytes)
     m_due.push_back({DueKind::Response, request, std::move(bytes)});
 }
 
-void Hearing::expectTimeout(std::optional<Number> request) { m_due.push_back({DueKind::Timeout, request, std::nullopt}); }
+void Hearing::expectTimeout(std::optional<Number> request)
+{
+    m_due.push_back({DueKind::Timeout, request, std::nullopt});
+}
 
 void Hearing::expectRun(Number request, std::optional<std::vector<std::string>> chunks)
 {
@@ -92,7 +95,8 @@ void Hearing::matchRunsUntil(Number request, const std::string& bytes)
     }
 }
 
-// The first place where the chunks fit is good enough: their true place is there or later, so no later run loses a chunk.
+// The first place where the chunks fit is good enough: their true place is there or later, so no later run loses a
+// chunk.
 void Hearing::match(const Run& run, const std::vector<std::string>& chunks)
 {
     const auto place = std::search(m_heard.begin(), m_heard.end(), chunks.begin(), chunks.end());

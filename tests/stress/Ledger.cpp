@@ -54,6 +54,7 @@ void Ledger::complain(const std::string& what) { m_breaches.add(m_name + ": " + 
 Ledger::Begun Ledger::begin(std::size_t sender, RequestKind kind, std::chrono::milliseconds limit)
 {
     const std::lock_guard lock(m_mutex);
+    ++m_events;
     const auto number = m_requests.size();
     Request request;
     request.sender = sender;
@@ -133,6 +134,7 @@ void Ledger::arrives(const std::string& id)
 void Ledger::reads()
 {
     const std::lock_guard lock(m_mutex);
+    ++m_events;
     ++m_read;
 }
 

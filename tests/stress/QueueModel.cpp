@@ -10,7 +10,10 @@ QueueModel::QueueModel(Requests& requests, Hearing& hearing, Complain complain)
     , m_complain(std::move(complain))
 {}
 
-std::optional<Number> QueueModel::pending() const { return m_pending ? std::optional(m_pending->number) : std::nullopt; }
+std::optional<Number> QueueModel::pending() const
+{
+    return m_pending ? std::optional(m_pending->number) : std::nullopt;
+}
 
 bool QueueModel::isTested(Number request) const { return m_requests[request].kind != RequestKind::Untested; }
 

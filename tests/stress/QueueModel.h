@@ -12,8 +12,8 @@
 
 namespace vorrano::stress {
 
-// What the request queue of a port has to do, followed step by step: which requests wait, which one is pending, whose timer
-// runs, and what is due to the main thread. It complains of everything that the layer does otherwise.
+// What the request queue of a port has to do, followed step by step: which requests wait, which one is pending, whose
+// timer runs, and what is due to the main thread. It complains of everything that the layer does otherwise.
 //
 // Threads: one at a time.
 class QueueModel {

@@ -8,8 +8,8 @@ namespace vorrano::stress {
 // The number of a request among those of its port, in the order in which they were made.
 using Number = std::size_t;
 
-// A step of a port's request queue: a request that is sent, a chunk that was read, a time-out, the step that follows when
-// the delegate has been told of a time-out, anything else.
+// A step of a port's request queue: a request that is sent, a chunk that was read, a time-out, the step that follows
+// when the delegate has been told of a time-out, anything else.
 enum class StepKind { Send, Chunk, Timeout, FollowUp, Other };
 
 struct QueueStep {

@@ -112,10 +112,7 @@ std::vector<std::string> Run::go()
         runSchedule();
     }
     settle();
-    // A request that is still pending would hold up one more.
-    for (std::size_t at = 0; at < m_lines.size(); ++at) {
-        send(0, at, 0);
-    }
+    sendOnceMore();
     settle();
     closePorts();
     settle();
@@ -280,6 +277,14 @@ void Run::settle()
         runDue(Milliseconds::max());
         return !goesOn() || (m_due.empty() && std::all_of(m_lines.begin(), m_lines.end(), isSettled));
     });
+}
+
+// A request that is still pending, though it should not be, holds up one more.
+void Run::sendOnceMore()
+{
+    for (std::size_t at = 0; at < m_lines.size() && !m_breaches.any(); ++at) {
+        send(0, at, 0);
+    }
 }
 
 void Run::closePorts()

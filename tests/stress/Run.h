@@ -63,6 +63,7 @@ private:
     void send(std::size_t sender, std::size_t at, std::uint32_t draw);
     [[nodiscard]] serial::ResponseEvaluator testOf(Ledger& ledger, const Ledger::Begun& begun, RequestKind kind);
     void settle();
+    void sendOnceMore();
     void closePorts();
     void drawBalance();
     void letPortsGo();

@@ -5,8 +5,8 @@
 
 namespace vorrano::stress {
 
-// Tells when nothing has happened for so long that nothing will. It ends a run that is broken already: the longest limit
-// of a request is a tenth of a second.
+// Tells when nothing has happened for so long that nothing will. It ends a run that is broken already: the longest
+// limit of a request is a tenth of a second.
 class Stillness {
 public:
     // The number grows with everything that happens.

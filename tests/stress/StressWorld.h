@@ -10,7 +10,8 @@
 
 namespace vorrano::stress {
 
-// The serial layer on ptys. What stands between it and its ports follows all that it does, and breaks what is to be broken.
+// The serial layer on ptys. What stands between it and its ports follows all that it does, and breaks what is to be
+// broken.
 class StressWorld : public pty_rig::PtyParts {
 public:
     StressWorld(Break breaks, std::uint64_t seed)

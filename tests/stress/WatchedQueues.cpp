@@ -21,8 +21,8 @@ constexpr std::uint64_t kHeldUpOneIn = 32;
 constexpr std::uint64_t kLongestHoldUpMicroseconds = 3'000;
 constexpr std::uint64_t kLongestHoldUpOfAReaderMicroseconds = 20'000;
 
-// A request's timer would repeat, but is stopped when it fires first. Here it does not repeat: so a firing that is lost is
-// not made up for by the next one.
+// A request's timer would repeat, but is stopped when it fires first. Here it does not repeat: so a firing that is lost
+// is not made up for by the next one.
 constexpr std::chrono::hours kNever{1000};
 
 // What all steps of one queue share. They may outlive the queue object.

@@ -9,9 +9,9 @@
 
 namespace vorrano::stress {
 
-// Background and serial queues that pass everything on to others. They report each step of a port's request queue to the
-// port's ledger, and check that the serial queue keeps its contract. Now and then they hold up a thread for a moment before
-// it hands over a step, as the system may do at any time; never the main thread.
+// Background and serial queues that pass everything on to others. They report each step of a port's request queue to
+// the port's ledger, and check that the serial queue keeps its contract. Now and then they hold up a thread for a
+// moment before it hands over a step, as the system may do at any time; never the main thread.
 class WatchedQueues : public platform::BackgroundQueue {
 public:
     WatchedQueues(platform::BackgroundQueue& queues, const platform::MainQueue& mainQueue, std::uint64_t seed);

@@ -10,8 +10,8 @@
 
 namespace vorrano::stress {
 
-// A terminal that reports to each port's ledger what is read and written, and when the port's last descriptor is gone. It
-// announces each chunk that a thread reads: that is what the thread hands to the request queue next.
+// A terminal that reports to each port's ledger what is read and written, and when the port's last descriptor is gone.
+// It announces each chunk that a thread reads: that is what the thread hands to the request queue next.
 class WatchedTerminal : public pty_rig::RigTerminal {
 public:
     WatchedTerminal(platform::Terminal& terminal, platform::MainQueue& mainQueue)
