@@ -82,7 +82,8 @@ public:
     // whose port was opened anew before this call was due is not reported: that open has nothing to do with it.
     virtual void serialPortWasRemovedFromSystem(SerialPort& /*port*/) {}
 
-    // Every chunk that was read (at most 1024 bytes), request or not; before the response that it completes.
+    // Every chunk that was read (at most 1024 bytes), request or not; before the response that it completes, whose
+    // bytes are in the order of these calls.
     virtual void serialPortDidReceiveData(SerialPort& /*port*/, const Bytes& /*data*/) {}
 
     // What the request's evaluator accepted; never empty.

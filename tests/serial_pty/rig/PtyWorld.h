@@ -13,15 +13,15 @@
 
 namespace vorrano::pty_rig {
 
-// The serial layer on what it runs on in the program (the real queues, threads and terminals), without a window.
+// What the serial layer runs on in the program: the real queues, threads and terminals, without a window.
 //
 // Lifetime: ports are closed and gone before it ends.
-class PtyWorld {
+class PtyParts {
 public:
-    PtyWorld() = default;
-    PtyWorld(const PtyWorld&) = delete;
-    PtyWorld& operator=(const PtyWorld&) = delete;
-    ~PtyWorld() { loop.end(); }
+    PtyParts() = default;
+    PtyParts(const PtyParts&) = delete;
+    PtyParts& operator=(const PtyParts&) = delete;
+    ~PtyParts() { loop.end(); }
 
     support::FakeSystemLog log;
     PtyDevices devices;
@@ -33,7 +33,10 @@ public:
     RigTerminal terminal{m_linux};
     MainLoop loop{log};
     asio_platform::AsioBackgroundQueue background{log};
+};
 
+// The serial layer on them.
+class PtyWorld : public PtyParts {
 private:
     support::SerialPlatform m_platform{log, loop, background, terminal, devices};
 };
