@@ -35,11 +35,8 @@ public:
     {}
 
     void async(Task task) override { swap(&SerialQueue::async, std::move(task)); }
-    void inPlaceOrAsync(Task task) override { swap(&SerialQueue::inPlaceOrAsync, std::move(task)); }
+    void dispatch(Task task) override { swap(&SerialQueue::dispatch, std::move(task)); }
     void sync(Task task) override { drop(&SerialQueue::sync, std::move(task)); }
-    void syncInPlace(Task task) override { drop(&SerialQueue::syncInPlace, std::move(task)); }
-    void continueOnPool(Task task) override { m_queue->continueOnPool(std::move(task)); }
-    void offMainThread(Task task) override { m_queue->offMainThread(std::move(task)); }
 
     [[nodiscard]] std::shared_ptr<platform::Timer> makeTimer(platform::TimerSchedule schedule, Task handler) override
     {
@@ -88,11 +85,6 @@ private:
 } // namespace
 
 void BrokenQueues::async(Task task) { m_queues.async(std::move(task)); }
-
-std::shared_ptr<platform::Timer> BrokenQueues::makeTimer(platform::TimerSchedule schedule, Task handler)
-{
-    return m_queues.makeTimer(schedule, std::move(handler));
-}
 
 std::shared_ptr<platform::SerialQueue> BrokenQueues::makeSerialQueue(std::string label)
 {

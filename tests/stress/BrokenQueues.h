@@ -44,8 +44,6 @@ public:
     {}
 
     void async(platform::Task task) override;
-    [[nodiscard]] std::shared_ptr<platform::Timer> makeTimer(platform::TimerSchedule schedule,
-                                                             platform::Task handler) override;
     [[nodiscard]] std::shared_ptr<platform::SerialQueue> makeSerialQueue(std::string label) override;
 
 private:

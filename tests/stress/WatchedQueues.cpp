@@ -21,10 +21,6 @@ constexpr std::uint64_t kHeldUpOneIn = 32;
 constexpr std::uint64_t kLongestHoldUpMicroseconds = 3'000;
 constexpr std::uint64_t kLongestHoldUpOfAReaderMicroseconds = 20'000;
 
-// A request's timer would repeat, but is stopped when it fires first. Here it does not repeat: so a firing that is lost
-// is not made up for by the next one.
-constexpr std::chrono::hours kNever{1000};
-
 // What all steps of one queue share. They may outlive the queue object.
 struct Watch {
     Watch(Ledger& book, const platform::MainQueue& main, std::uint64_t number)
@@ -96,18 +92,12 @@ public:
     {}
 
     void async(Task task) override { handOver(&SerialQueue::async, std::move(task)); }
-    void inPlaceOrAsync(Task task) override { handOver(&SerialQueue::inPlaceOrAsync, std::move(task)); }
+    void dispatch(Task task) override { handOver(&SerialQueue::dispatch, std::move(task)); }
     void sync(Task task) override { handOver(&SerialQueue::sync, std::move(task)); }
-    void syncInPlace(Task task) override { handOver(&SerialQueue::syncInPlace, std::move(task)); }
-
-    // These are parts of the step that hands them over, and run before other steps.
-    void continueOnPool(Task task) override { m_queue->continueOnPool(std::move(task)); }
-    void offMainThread(Task task) override { m_queue->offMainThread(std::move(task)); }
 
     [[nodiscard]] std::shared_ptr<platform::Timer> makeTimer(platform::TimerSchedule schedule, Task handler) override
     {
-        const auto request = m_watch->ledger.starts(schedule.first);
-        schedule.interval = kNever;
+        const auto request = m_watch->ledger.starts(schedule.delay);
         auto timer = m_queue->makeTimer(schedule, [watch = m_watch, request, handler = std::move(handler)] {
             const Running running(*watch, {StepKind::Timeout, request}, watch->handOvers.runs());
             handler();
@@ -157,11 +147,6 @@ WatchedQueues::WatchedQueues(platform::BackgroundQueue& queues, const platform::
 {}
 
 void WatchedQueues::async(Task task) { m_queues.async(std::move(task)); }
-
-std::shared_ptr<platform::Timer> WatchedQueues::makeTimer(platform::TimerSchedule schedule, Task handler)
-{
-    return m_queues.makeTimer(schedule, std::move(handler));
-}
 
 std::shared_ptr<platform::SerialQueue> WatchedQueues::makeSerialQueue(std::string label)
 {

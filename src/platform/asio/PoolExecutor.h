@@ -25,8 +25,7 @@ public:
     asio::execution::blocking_t query(asio::execution::blocking_t) const noexcept
     {
         using asio::execution::blocking_t;
-        return m_mayRunInPlace ? blocking_t(asio::execution::blocking.possibly)
-                               : blocking_t(asio::execution::blocking.never);
+        return m_mayRunInPlace ? blocking_t(blocking_t::possibly) : blocking_t(blocking_t::never);
     }
     PoolExecutor require(asio::execution::blocking_t::possibly_t) const { return {m_pool, true}; }
     PoolExecutor require(asio::execution::blocking_t::never_t) const { return {m_pool, false}; }
