@@ -118,22 +118,29 @@ std::vector<std::string> Run::go()
     settle();
     drawBalance();
     report(print);
+    if (const auto breaches = m_breaches.all(); !breaches.empty()) {
+        // What the ports leave undone now tells nothing more.
+        letPortsGo();
+        return breaches;
+    }
     letPortsGo();
     return m_breaches.all();
 }
 
-// Everything in the order of its time in the schedule, however late the main thread is.
+// Everything in the order of its time in the schedule, however late the main thread is; one at a time, so that what
+// waits in the main queue is not held up by all that is late.
 void Run::runSchedule()
 {
     auto next = m_schedule.begin();
     m_begin = Clock::now();
     m_world.loop.runUntil(
         [&] {
-            while (next != m_schedule.end() && isTime(next->at)) {
+            if (next != m_schedule.end() && isTime(next->at)) {
                 runDue(next->at);
                 begin(*next++);
+            } else {
+                runDue(m_order.duration);
             }
-            runDue(m_order.duration);
             keepOpen();
             return isTime(m_order.duration) || !goesOn();
         },
@@ -148,8 +155,9 @@ bool Run::goesOn()
     if (m_breaches.any()) {
         return false;
     }
+    m_rounds.goOn();
     for (auto& line : m_lines) {
-        if (line.stillness.lastsAt(line.ledger->events()) && !line.ledger->isSettled()) {
+        if (line.stillness.lastsAt(line.ledger->events(), m_rounds) && !line.ledger->isSettled()) {
             line.ledger->complain("stands still: " + line.ledger->state());
         }
     }

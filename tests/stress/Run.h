@@ -74,6 +74,7 @@ private:
     Breaches m_breaches;
     std::vector<Line> m_lines;
     StressWorld m_world;
+    Rounds m_rounds{m_world.loop};
     std::unique_ptr<Device> m_device;
     Clock::time_point m_begin;
     std::multimap<Milliseconds, std::function<void()>> m_due;
