@@ -63,6 +63,11 @@ class SimulatorItself(unittest.TestCase):
         self.assertEqual(self.simulator.device["ssid"], "My$Home$Net")
         self.assertEqual(self.simulator.received, b"8My$Home$Net\0")
 
+    def test_says_what_it_is_told_to_say(self):
+        self.simulator.do("say", bytes="\u00ffab\n\r")
+
+        self.assertEqual(self.read(), b"\xffab\n\r")
+
     def test_sends_the_next_piece_when_the_last_was_read(self):
         self.simulator.fault("split")
 
