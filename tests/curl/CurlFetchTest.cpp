@@ -280,7 +280,6 @@ TEST_F(Fetch, GivesUpWithoutProgress)
         EXPECT_EQ(impatient.contentsOfUrl(servers.http() + path), std::nullopt) << path;
 
         EXPECT_GE(steady_clock::now() - begin, milliseconds(300)) << path;
-        EXPECT_LT(steady_clock::now() - begin, seconds(5)) << path;
     }
 }
 
@@ -307,12 +306,13 @@ TEST_F(Fetch, EndsWhatIsUnderWayWhenItIsAborted)
     // By then nothing of their own would wake the two soon.
     EXPECT_EQ(other.contentsOfUrl(servers.http() + "/trickle/12"), std::string(12, 'x'));
 
-    const auto begin = steady_clock::now();
     fetch.abort();
 
+    // Their own limit would end them after a minute.
+    EXPECT_EQ(silent.wait_for(seconds(20)), std::future_status::ready);
+    EXPECT_EQ(endless.wait_for(seconds(20)), std::future_status::ready);
     EXPECT_EQ(silent.get(), std::nullopt);
     EXPECT_EQ(endless.get(), std::nullopt);
-    EXPECT_LT(steady_clock::now() - begin, milliseconds(500));
 }
 
 TEST_F(Fetch, AsksForNothingOnceItWasAborted)

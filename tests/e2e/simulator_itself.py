@@ -84,6 +84,11 @@ class SimulatorItself(unittest.TestCase):
         self.assertEqual(self.simulator.device["ssid"], "My$Home$Net")
         self.assertEqual(self.simulator.received, b"8My$Home$Net\0")
 
+    def test_says_what_it_is_told_to_say(self):
+        self.simulator.do("say", bytes="\u00ffab\n\r")
+
+        self.assert_reads(b"\xffab\n\r")
+
     def test_sends_no_piece_before_the_last_was_read(self):
         self.simulator.fault("split")
 

@@ -1,5 +1,6 @@
 """A person gives a Vorrano its network."""
 import os
+import time
 
 from harness.screens import NO_VORRANO, OTHER_VORRANO, create_account, open_wifi_setup
 from harness.waiting import stays, wait_for
@@ -131,6 +132,20 @@ def ShowsAReplyThatComesByteByByte(world):
     world.program.press("Check network name")
 
     world.program.expect_alert("Not set\n\n\r", "Success")
+
+
+def ASilentVorranoIsNotGivenUpBeforeTwoSeconds(world):
+    open_wifi_setup(world.program)
+    world.vorrano.fault("silence")
+    world.program.type("Network name", "My Home Net")
+
+    world.program.press("Save network name")
+    wait_for("the last byte", lambda: world.vorrano.received.endswith(b"\0"))
+    alert = world.program.alert()
+    waited = time.monotonic() - world.vorrano.time_of("received", b"\0")
+
+    assert waited >= 2.0, waited
+    assert (alert.title, alert.text) == ("ERROR", "Please try again")
 
 
 def KeepsItsNameWhenTheCableIsPulledAndPluggedIn(world):

@@ -75,4 +75,6 @@ int MockedService::callsOf(const QString& path, const QString& method) const
 
 void MockedService::freeze() { kill(static_cast<pid_t>(m_process.processId()), SIGSTOP); }
 
+void MockedService::thaw() { kill(static_cast<pid_t>(m_process.processId()), SIGCONT); }
+
 } // namespace vorrano::support

@@ -25,8 +25,9 @@ public:
     // How often a method of the object was called.
     [[nodiscard]] int callsOf(const QString& path, const QString& method) const;
 
-    // No call is answered from here on.
+    // No call is answered from here on, until thaw(); that one on any thread.
     void freeze();
+    void thaw();
 
 private:
     [[nodiscard]] bool isOnTheBus() const;

@@ -40,14 +40,25 @@ struct Key {
 // An event of a keyboard that Qt does not mark as a repetition.
 class Unmarked : public QKeyEvent {
 public:
-    Unmarked(QEvent::Type type, const Key& key, ulong time)
-        : QKeyEvent(type, key.key, key.modifiers, kScanCode, 0, 0, QString::fromStdString(key.text))
+    Unmarked(QEvent::Type type, const Key& key, ulong time, quint32 scanCode = 36)
+        : QKeyEvent(type, key.key, key.modifiers, scanCode, 0, 0, QString::fromStdString(key.text))
     {
         setTimestamp(time);
     }
+};
 
-private:
-    static constexpr quint32 kScanCode = 36;
+// Counts how often a widget goes from the screen.
+class Hides : public QObject {
+public:
+    explicit Hides(QWidget& widget) { widget.installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        times += event->type() == QEvent::Hide ? 1 : 0;
+        return false;
+    }
+
+    int times = 0;
 };
 
 // What the window system sends, to whatever window has the keyboard.
@@ -210,6 +221,14 @@ TEST_F(HeldKey, TriggersNoShortcutWhereItsRepetitionsAreNotMarkedAsSuch)
     EXPECT_THAT(holdsBackAt(4), Pair(false, false));
 }
 
+TEST_F(HeldKey, IsNotTheOneThatIsPressedAtTheTimeOfItsRelease)
+{
+    HeldKeys keys;
+
+    EXPECT_FALSE(keys.holdsBack(*qApp, Unmarked(QEvent::KeyRelease, kSpace, 1, 65)));
+    EXPECT_FALSE(keys.holdsBack(*qApp, Unmarked(QEvent::KeyPress, kReturn, 1, 36)));
+}
+
 TEST_F(HeldKey, TogglesACheckBoxOnce)
 {
     const auto login = shown("LoginViewController");
@@ -294,6 +313,21 @@ TEST_F(HeldKey, LeavesTheOpenPanelsOwnMessageUp)
     EXPECT_TRUE(stayed);
 }
 
+TEST_F(HeldKey, AnswersNoMessageByTheLetterOfAButton)
+{
+    QMessageBox message(QMessageBox::Question, "Delete", "Delete it?", QMessageBox::Yes | QMessageBox::No);
+    auto& yes = *message.button(QMessageBox::Yes);
+    yes.setText("&Yes");
+    const Key letter{Qt::Key_Y, Qt::NoModifier, "y"};
+    message.show();
+    giveKeyboard(message);
+
+    repeat(letter);
+    EXPECT_FALSE(yes.isDown());
+    press(letter);
+    EXPECT_TRUE(yes.isDown());
+}
+
 TEST_F(HeldKey, ChoosesOneTabWithCtrlTab)
 {
     const auto setup = shown("SetupMenuViewController");
@@ -314,10 +348,14 @@ TEST_F(HeldKey, LeavesThePickListOpenThatItOpened)
     for (const auto& key : {kSpace, Key{Qt::Key_F4}, Key{Qt::Key_Down, Qt::AltModifier}}) {
         focus(*window, "securityTypeButton");
 
-        hold(key);
-
+        press(key);
         QWidget* const list = QApplication::activePopupWidget();
         ASSERT_NE(list, nullptr) << key.key;
+        const Hides hides(*list);
+
+        repeat(key);
+        EXPECT_EQ(hides.times, 0) << key.key;
+
         list->close();
         release(key);
     }

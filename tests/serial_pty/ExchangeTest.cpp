@@ -50,7 +50,7 @@ TEST_F(ExchangeOnAPty, PassesEveryByteAsItIsInBothDirections)
     EXPECT_EQ(read, all);
 }
 
-TEST_F(ExchangeOnAPty, TimesOutNotBeforeItsLimitAndAtMostATenthLater)
+TEST_F(ExchangeOnAPty, TimesOutNotBeforeItsLimit)
 {
     giveModemLines();
     port->open();
@@ -60,8 +60,6 @@ TEST_F(ExchangeOnAPty, TimesOutNotBeforeItsLimitAndAtMostATenthLater)
     ASSERT_TRUE(hears("timeout"));
 
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 300ms);
-    // A busy computer may be late by itself.
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 2s);
 }
 
 TEST_F(ExchangeOnAPty, AppliesItsSettingsAndGivesTheOldOnesBack)

@@ -23,17 +23,15 @@ bool acts(const QKeyEvent& press, const QObject& receiver)
     switch (press.key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-    case Qt::Key_Select:
     case Qt::Key_Escape:
     case Qt::Key_F4: // opens and closes a pick list
         return true;
     case Qt::Key_Tab:
     case Qt::Key_Backtab:
         return press.modifiers().testFlag(Qt::ControlModifier);
-    case Qt::Key_Space:
-        return !takesText(receiver);
     default:
-        return false;
+        // A letter may press a button of a message, Space any.
+        return !press.text().isEmpty() && press.text().front().isPrint() && !takesText(receiver);
     }
 }
 

@@ -1,4 +1,8 @@
-"""What is promised in seconds. Each case has the computer to itself."""
+"""The program's promises in seconds, on the real program with a simulated Vorrano. Each function whose name begins with
+a capital is a measurement; it fails when a limit is passed. scripts/bench runs them, each with the computer to itself:
+
+usage: PYTHONPATH=bench/window tests/e2e/run.py BUILD_FOLDER measure CASE
+"""
 import statistics
 import threading
 import time
@@ -8,8 +12,15 @@ from harness.screens import open_utilities, open_wifi_setup
 from harness.stamps import WriteStamps
 from harness.waiting import wait_for
 from harness.world import situation
+from firmware_test import LINE_PAUSE
+from service_test import LOOPBACK, fill_in
 
-LINE_PAUSE = 0.10000000149011612
+TIME_OUT = 2.0
+
+
+def judge(what, measured, limit):
+    print("%s: %.4f, at most %.4f" % (what, measured, limit), flush=True)
+    assert measured <= limit, what
 
 
 class Heartbeat:
@@ -28,13 +39,17 @@ class Heartbeat:
             self._root.call("org.a11y.atspi.Accessible", "GetRoleName")
             self.times.append(time.monotonic() - begun)
 
-    def end(self):
+    def judge(self, what):
+        """Nobody notices a window that stands still for a quarter of a line's pause, or once for two and a half."""
         self._ended.set()
         self._thread.join()
-        return sorted(self.times)
+        times = sorted(self.times)
+        judge("%s, 99 of 100 answers of the window over a line's pause" % what,
+              times[int(len(times) * 0.99)] / LINE_PAUSE, 0.5)
+        judge("%s, the slowest answer of the window over a line's pause" % what, times[-1] / LINE_PAUSE, 2.5)
 
 
-def ASilentVorranoIsGivenUpAfterTwoSeconds(world):
+def TimeOut(world):
     open_wifi_setup(world.program)
     world.vorrano.fault("silence")
     world.program.type("Network name", "My Home Net")
@@ -46,53 +61,36 @@ def ASilentVorranoIsGivenUpAfterTwoSeconds(world):
     waited = time.monotonic() - world.vorrano.time_of("received", b"\0")
 
     world.program.expect_alert("ERROR", "Please try again")
-    assert 2.0 <= waited <= 2.4, waited
+    judge("a request that is not answered, over its time-out", waited / TIME_OUT, 1.2)
 
 
-@situation(program="vorrano-demo", plugged=False, started=False)
-def TheDemoIsOnTheScreenWithinThreeSeconds(world):
-    begun = time.monotonic()
-    world.start()
-    world.program.button("Sign In")
-    wait_for("the Vorrano", lambda: [root for root in world.bus.applications("vorrano-simulator")
-                                     if root.find_all("label", "PC Connected...")])
-
-    waited = time.monotonic() - begun
-    assert waited < 3.0, waited
-
-
-@situation(program="vorrano-setup-loopback")
-def TheWindowStaysAliveWhileTheServiceIsSlow(world):
+@situation(program=LOOPBACK)
+def SlowService(world):
     world.vorrano.do("serviceFault", kind="slow", delay=5000)
-    world.program.type("Account ID or email", "ada")
-    world.program.type("Password", "secret1")
+    fill_in(world)
     heartbeat = Heartbeat(world.program.root)
 
     world.program.press("Sign In")
-    world.program.expect_alert("Invalid AccountID/Password", "Please try again")
+    world.program.find("page tab", "Utilities")
 
-    times = heartbeat.end()
-    assert len(times) > 300, len(times)
-    assert times[int(len(times) * 0.99)] < 0.050 and times[-1] < 0.250, times[-10:]
+    heartbeat.judge("a slow service")
 
 
-@situation(program="vorrano-setup-loopback")
-def ALongReplyIsReadBesideTheWindow(world):
+@situation(program=LOOPBACK)
+def LongReply(world):
     rest = ",".join(["0"] * 2_000_000)
     world.vorrano.do("serviceFault", kind="answer", status=200, body='{"data":[{"Id":"7"}],"rest":[%s]}' % rest)
-    world.program.type("Account ID or email", "ada")
-    world.program.type("Password", "secret1")
+    fill_in(world)
     heartbeat = Heartbeat(world.program.root)
 
     world.program.press("Sign In")
     wait_for("the account to be signed in to", lambda: world.program.look_for("page tab", "Utilities"), deadline=60)
 
-    times = heartbeat.end()
-    assert times[int(len(times) * 0.99)] < 0.050 and times[-1] < 0.250, times[-10:]
+    heartbeat.judge("a long reply")
 
 
 @situation(started=False)
-def AnUploadKeepsItsPaceAndTheWindowAlive(world):
+def Upload(world):
     lines = 500
     image = image_of(lines)
     stamps = WriteStamps(world)
@@ -104,17 +102,11 @@ def AnUploadKeepsItsPaceAndTheWindowAlive(world):
     heartbeat = Heartbeat(world.program.root)
     alert = world.program.alert(deadline=150)
 
-    times = heartbeat.end()
     assert (alert.title, alert.text) == FINISHED, alert
     expect_image(world, image)
-    sent = image.replace("\n", "").encode()
-    writes = stamps.of(sent)
-    ends = [place for place, byte in enumerate(sent) if byte == ord("\r")][:-1]
-    pauses = [writes[place + 1].begun - writes[place].returned for place in ends]
-    assert len(pauses) == lines - 1
-    assert min(pauses) >= LINE_PAUSE, min(pauses)
-    assert statistics.median(pauses) - LINE_PAUSE <= 0.0005, statistics.median(pauses)
+    heartbeat.judge("an upload")
+    writes, pauses = stamps.of_image(image)
+    judge("the pause after a line, median over its floor", statistics.median(pauses) / LINE_PAUSE, 1.005)
     # From the first byte to the last, which leaves out the two pauses at the end.
     total = writes[-1].returned - writes[0].begun
-    assert total <= LINE_PAUSE * (lines - 1) * 1.02, total
-    assert times[-1] < 0.250, times[-10:]
+    judge("the upload of %d lines over its floor" % lines, total / (LINE_PAUSE * (lines - 1)), 1.02)
