@@ -1,14 +1,15 @@
 #!/usr/bin/python3
 """What the real programs answer on their command line, without a display.
 
-usage: command_line.py BUILD_FOLDER VERSION [unittest's arguments]
+usage: command_line.py BUILD_FOLDER MANUAL_FOLDER VERSION [unittest's arguments]
 """
 import os
+import re
 import subprocess
 import sys
 import unittest
 
-BUILD = VERSION = ""
+BUILD = MANUAL = VERSION = ""
 PROGRAMS = ("vorrano-setup", "vorrano-demo", "vorrano-simulator")
 DISPLAYS = ("DISPLAY", "WAYLAND_DISPLAY", "WAYLAND_SOCKET", "QT_QPA_PLATFORM")
 DEADLINE = 30
@@ -46,6 +47,15 @@ class CommandLine(unittest.TestCase):
         for option in ("--control", "--serial", "--http-port", "--unplugged", "--until-stdin-ends", "--account",
                        "--window"):
             self.assertIn(option + " ", run("vorrano-simulator", "--help").stdout)
+
+    def test_has_each_option_in_its_manual(self):
+        for program, ended in each_program("--help"):
+            with open(os.path.join(MANUAL, program + ".1"), encoding="utf-8") as page:
+                manual = page.read().replace("\\-", "-")
+            options = re.findall(r"--[a-z-]+", ended.stdout)
+            self.assertIn("--version", options)
+            for option in options:
+                self.assertRegex(manual, option + r"(?![a-z-])")
 
     def test_shows_its_version(self):
         for option in ("--version", "-v", "-version"):
@@ -111,5 +121,5 @@ class SimulatorsCommandLine(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    BUILD, VERSION = sys.argv.pop(1), sys.argv.pop(1)
+    BUILD, MANUAL, VERSION = (sys.argv.pop(1) for _ in range(3))
     unittest.main()
