@@ -47,8 +47,8 @@ void QueueModel::end()
     if (step.kind == StepKind::Chunk && before && isTested(*before) && asked != 1) {
         m_complain(before, "is asked " + std::to_string(asked) + " times for one chunk");
     }
-    if (step.kind == StepKind::Send && !before && m_waiting.size() == 1 && m_waiting.front() == step.request) {
-        m_complain(step.request, "does not start though nothing is pending");
+    if (step.kind == StepKind::Send && !m_pending && !m_waiting.empty()) {
+        m_complain(m_waiting.front(), "does not start though nothing is pending");
     }
     if (std::exchange(m_isTimerStopped, false)) {
         m_complain(m_timer, "has a timer that was stopped before its end");

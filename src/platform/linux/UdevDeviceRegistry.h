@@ -2,6 +2,7 @@
 
 #include "platform/DeviceRegistry.h"
 #include "platform/MainQueue.h"
+#include "platform/Mutex.h"
 #include "platform/linux/DeviceHandles.h"
 #include "platform/linux/DeviceSource.h"
 
@@ -11,7 +12,6 @@
 #include <list>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -86,8 +86,8 @@ private:
     bool m_isDelivering = false;
     std::vector<WatchEntry> m_watches;
 
-    mutable std::mutex m_nodesMutex;
-    std::map<std::string, std::string> m_nodesByCalloutPath;
+    mutable platform::Mutex m_nodesMutex;
+    std::map<std::string, std::string> m_nodesByCalloutPath VORRANO_GUARDED_BY(m_nodesMutex);
 
     // Held weakly by the tasks on the main queue.
     std::shared_ptr<UdevDeviceRegistry*> m_self;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Controls.h"
-#include "platform/qt/Guarded.h"
+#include "platform/Guarded.h"
 #include "platform/qt/QtGate.h"
 
 #include <QObject>
@@ -44,13 +44,13 @@ protected:
     [[nodiscard]] const QObject* context() const { return &m_context; }
 
     // Whether what the person does to the control counts now.
-    [[nodiscard]] bool letsThrough() const { return m_surroundings.gate.lets(m_widget) && m_widget.isEnabled(); }
+    [[nodiscard]] bool takesInput() const { return m_surroundings.gate.takesInput(m_widget) && m_widget.isEnabled(); }
 
     // Calls the handler; the control may be gone when it returns.
     void deliver(const platform::Action& action)
     {
         if (const platform::Action told = action) {
-            guarded(m_surroundings.log, [&] { told(*this); });
+            platform::guarded(m_surroundings.log, [&] { told(*this); });
         }
     }
 

@@ -8,7 +8,7 @@ QtButton::QtButton(QAbstractButton& button, const QtSurroundings& surroundings)
     : QtControl(button, surroundings)
 {
     QObject::connect(&button, &QAbstractButton::clicked, context(), [this] {
-        if (letsThrough()) {
+        if (takesInput()) {
             deliver(m_press);
         }
     });

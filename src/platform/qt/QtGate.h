@@ -21,7 +21,7 @@ public:
     explicit QtGate(QtMainQueue& queue);
 
     // Whether what the person does to this widget counts now.
-    [[nodiscard]] bool lets(const QWidget& widget) const;
+    [[nodiscard]] bool takesInput(const QWidget& widget) const;
 
     // The window is under a sheet until the result is dropped.
     [[nodiscard]] platform::Subscription block(const QWidget& window);
