@@ -93,7 +93,7 @@ private:
     qt::QtMainQueue m_mainQueue{m_log};
     asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log};
 
-    // The device list's own, which nobody's time goes by.
+    // A fake clock for the device list alone: it never moves.
     support::VirtualTime m_noTime{m_log};
     support::FakeMainQueue m_noQueue{m_noTime};
     support::FakeDeviceRegistry m_registry{m_noQueue};

@@ -126,7 +126,8 @@ void UdevDeviceRegistry::handle(const TtyRemoved& removed)
     if (known == m_present.end()) {
         return;
     }
-    // One that the enumeration found had come again since that removal, unless it was just going.
+    // The enumeration came after this removal and found the device: it is plugged in again, unless it was listed while
+    // it went.
     if (wasSeenByEnumeration(removed.number) && m_source->exists(removed.sysPath)) {
         return;
     }

@@ -20,12 +20,12 @@ struct QtSurroundings {
     platform::SystemLog& log;
 };
 
-// What all controls have in common. `Port` is the control as the logic sees it, `Widget` what it is on screen.
+// What all controls have in common. `Interface` is the control as the logic sees it, `Widget` what it is on screen.
 //
-// Lifetime: the widget outlives the control. Connections to it hang on context(), so that a widget that is still being
-// taken down calls nobody.
-template <class Port, class Widget>
-class QtControl : public Port {
+// Lifetime: the widget outlives the control. Connections to it hang on context(), so that a widget that is being
+// destroyed calls no handler.
+template <class Interface, class Widget>
+class QtControl : public Interface {
 public:
     QtControl(Widget& widget, const QtSurroundings& surroundings)
         : m_widget(widget)

@@ -19,7 +19,7 @@ using platform::MutexLock;
 using platform::Subscription;
 using platform::Task;
 
-// Turns the queue's wake-ups into events of the main thread, and is what its timers hang on.
+// Turns the queue's wake-ups into events of the main thread, and owns its timers.
 class QtMainQueue::Waker : public QObject {
 public:
     explicit Waker(QtMainQueue& queue)
@@ -41,7 +41,7 @@ private:
     QtMainQueue& m_queue;
 };
 
-// Where a caller of sync() waits. An entry that is dropped lets it go.
+// Where a caller of sync() waits. When the entry is dropped, the caller goes on.
 class QtMainQueue::Waiter {
 public:
     void finish(bool ran)

@@ -42,7 +42,7 @@ public:
     [[nodiscard]] platform::Subscription holdEverything();
     [[nodiscard]] bool isHeld() const;
 
-    // Runs whatever waits, whoever holds it, until nothing is left; from then on nothing is taken any more.
+    // Runs all tasks, held back or not, until none is left. Later tasks are refused.
     void endAndDrain();
 
 private:
