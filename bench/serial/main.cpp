@@ -1,5 +1,5 @@
-// The serial link against Qt's own serial port class, in the same run: exchanges with a reply of 19 bytes over a pty, at
-// once and at the pace of the line; and what an open port costs while nothing happens.
+// The serial link against Qt's own serial port class, in the same run: exchanges with a reply of 19 bytes over a pty,
+// at once and at the pace of the line; and what an open port costs while nothing happens.
 //
 // usage: bench_serial [exchanges per run]     ends with 1 when a limit is passed, with 2 when it could not measure
 #include "BarePoll.h"

@@ -127,13 +127,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(UpdateAddress, CarriesTheSessionsAccountIDInsteadOfTheForms)
 {
-    EXPECT_EQ(web::accountUpdateAddress(kRoot, "57", filled()),
+    EXPECT_EQ(web::accountUpdateAddress(kRoot, "57", support::filledAccount()),
               kRoot + "getAccounts/57//secret1/ada@host.example/Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22");
 }
 
 TEST(UpdateAddress, CountsAnAbsentAccountIDAsEmptyText)
 {
-    EXPECT_EQ(web::accountUpdateAddress(kRoot, std::nullopt, filled()),
+    EXPECT_EQ(web::accountUpdateAddress(kRoot, std::nullopt, support::filledAccount()),
               kRoot + "getAccounts///secret1/ada@host.example/Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22");
 }
 
