@@ -32,7 +32,7 @@ public:
     [[nodiscard]] const serial::Bytes& incomingDataBuffer() const { return m_incomingDataBuffer; }
     void emptyIncomingDataBuffer() { m_incomingDataBuffer.clear(); }
 
-    // Set by each raw write; nothing waits for it.
+    // Whether an acknowledgement was noted as due; nothing waits for it.
     [[nodiscard]] bool waitingForAck() const { return m_waitingForAck; }
     void setWaitingForAck() { m_waitingForAck = true; }
 

@@ -32,8 +32,8 @@ inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 // What the tabs that talk to the device have in common: the connection to its port, the progress display, the alerts.
 //
 // The port is the first listed whose path contains kVorranoPath, else the first listed. There is one port object for
-// each path, so tabs share it, and it has one delegate: the tab that took it last. A tab without a port works as
-// usual, but its bytes go nowhere.
+// each path, so tabs share it, and it has one delegate: the tab that took it last. A tab without a port takes
+// input as usual, but its bytes go nowhere, and an action that waits for a reply leaves it dimmed.
 //
 // Controls: the label connectionNoticeLabel, shown while the tab's commands reach no Vorrano; in a tab that uses the
 // progress display, loginProgressIndicator.

@@ -9,10 +9,12 @@ namespace vorrano::platform {
 
 // A queue that runs one task at a time, in the order of submission, on background threads and never on the main thread.
 //
-// Threads: every method on any thread. A task must not wait for the main thread, for another queue or for the pool. An
-// exception that leaves a task is written to the system log; the queue goes on.
-// Lifetime: tasks that were submitted still run when the queue object is dropped. When the background queue has ended,
-// tasks are dropped and sync() returns without having run its task.
+// Threads: every method on any thread. A task must not wait for the main thread, for another queue (no sync() there) or
+// for the pool. An exception that leaves a task is written to the system log; the queue goes on.
+// Lifetime: tasks that were submitted still run when the queue object is dropped. After the end of the background queue
+// (its stop()) no task begins: tasks are dropped, possibly inside the call that submits them, and sync() returns without
+// having run its task.
+// tests/contract holds every maker of serial queues to this.
 class SerialQueue {
 public:
     SerialQueue() = default;
@@ -20,12 +22,13 @@ public:
     SerialQueue& operator=(const SerialQueue&) = delete;
     virtual ~SerialQueue() = default;
 
-    // Submits the task. It runs on a background thread, never inside the call; a thread is found at once, whatever the
-    // other threads do.
+    // Submits the task. It runs on a background thread, never inside the call. A thread is found at once, whatever the
+    // other threads do; only when the system refuses another thread the task waits for one.
     virtual void async(Task task) = 0;
 
-    // Runs the task inside the call when the caller is a task of the background queue and this queue is idle. Otherwise
-    // the same as async(). Tasks that others submit meanwhile do not run on the caller's thread.
+    // Runs the task inside the call when the caller is on a thread of the background queue (in a task of it, of another
+    // serial queue or of a timer) and this queue is idle: no task of it runs or waits. Otherwise the same as async().
+    // Tasks that others submit meanwhile do not run on the caller's thread.
     virtual void dispatch(Task task) = 0;
 
     // Submits the task like async() and waits until it has run. A task of this queue must not call it: it would wait

@@ -46,6 +46,8 @@ void RequestQueue::receiveData(Bytes chunk)
 // Takes the first chunk, which another reader may have brought. There is one such step for each chunk.
 void RequestQueue::takeChunk()
 {
+    // Something is due only if its step waits in the queue; a step that finds the queue busy never runs in place. So
+    // this writes on the reader's thread in no case.
     sendNextRequestIfDue();
     {
         const platform::MutexLock lock(m_chunksMutex);
@@ -133,8 +135,8 @@ void RequestQueue::sendNextRequest()
 void RequestQueue::pendingRequestDidTimeout()
 {
     setPendingRequestTimeoutTimer(nullptr);
-    // The request stays pending until the delegate has been told. A response that comes in meanwhile is delivered too,
-    // and the step that follows then clears the request which that response has started.
+    // The request stays pending until the delegate has been told. A response that comes before that is delivered too and
+    // starts the next request; delegateWasToldOfTimeout() then clears that one.
     if (!m_events.didTimeout(m_pendingRequest, [queue = weak_from_this()] {
             if (const auto self = queue.lock()) {
                 self->m_serialQueue->async(self->onQueue(&RequestQueue::delegateWasToldOfTimeout));

@@ -63,7 +63,7 @@ void SerialPort::setUp(OpenPort& open)
 
 void SerialPort::startReadingAndPolling(const CurrentOpen::Pointer& open)
 {
-    // The reader's tasks hold the port, so an open port is not destroyed.
+    // The tasks of the reader and of the poll hold the port, so an open port is not destroyed.
     const OpenPort::Events events{
         .didReceive = [requests = m_requests](const Bytes& chunk) { requests->receiveData(chunk); },
         .didFailToWait = [self = shared_from_this()](int error) { self->m_delegate.notifyDelegateOfPosixError(error); },
