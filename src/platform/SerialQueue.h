@@ -12,9 +12,8 @@ namespace vorrano::platform {
 // Threads: every method on any thread. A task must not wait for the main thread, for another queue (no sync() there) or
 // for the pool. An exception that leaves a task is written to the system log; the queue goes on.
 // Lifetime: tasks that were submitted still run when the queue object is dropped. After the end of the background queue
-// (its stop()) no task begins: tasks are dropped, possibly inside the call that submits them, and sync() returns without
-// having run its task.
-// tests/contract holds every maker of serial queues to this.
+// (its stop()) no task begins: tasks are dropped, possibly inside the call that submits them, and sync() returns
+// without having run its task. tests/contract holds every maker of serial queues to this.
 class SerialQueue {
 public:
     SerialQueue() = default;

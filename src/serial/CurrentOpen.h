@@ -27,8 +27,8 @@ public:
     Pointer setOpened(platform::Terminal& terminal, int descriptor);
     void setOpenFailed();
 
-    // The open that the caller has to close: the current one, if it has that number. Without a number the current one in
-    // any case. Null when there is nothing to close, or another caller closes it. Ends with setClosed() or
+    // The open that the caller has to close: the current one, if it has that number. Without a number the current one
+    // in any case. Null when there is nothing to close, or another caller closes it. Ends with setClosed() or
     // setCloseFailed(); between them setEnded() makes the port read as closed.
     [[nodiscard]] Pointer beginClose(std::optional<std::uint64_t> number);
     void setEnded();

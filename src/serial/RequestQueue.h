@@ -26,7 +26,8 @@ class RequestQueue : public std::enable_shared_from_this<RequestQueue> {
 public:
     using Request = std::shared_ptr<SerialRequest>;
 
-    // The port behind the queue. didReceiveData is called on the thread of receiveData(), the others on the serial queue.
+    // The port behind the queue. didReceiveData is called on the thread of receiveData(), the others on the serial
+    // queue.
     struct Events {
         // Submits the delegate's callback for a chunk; on the thread of receiveData(), one chunk at a time.
         // `mayHoldSecret` from the start of a request whose response is secret until a request has been answered: while

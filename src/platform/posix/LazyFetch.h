@@ -18,9 +18,9 @@ inline constexpr const char* kFetchMaker = "vorranoMakeFetch";
 // Fetches by a module that is loaded with the first fetch: libcurl and the thirty libraries behind it take longer to
 // load than everything else between the program's start and its first window.
 //
-// The loader finds the module by the program's run path. Without the module every fetch gives none, writes a line to the
-// log, and tries to load it again. (Linked normally, the program would not start without libcurl.)
-// Threads: as UrlFetch says.
+// The loader finds the module by the program's run path. Without the module every fetch gives none, writes a line to
+// the log, and tries to load it again. (Linked normally, the program would not start without libcurl.) Threads: as
+// UrlFetch says.
 class LazyFetch final : public platform::UrlFetch {
 public:
     explicit LazyFetch(platform::SystemLog& log, const char* module = kFetchModule);
