@@ -5,7 +5,7 @@
 #include <asio/dispatch.hpp>
 #include <asio/post.hpp>
 
-#include <future>
+#include <semaphore>
 #include <stdexcept>
 #include <utility>
 
@@ -24,7 +24,11 @@ struct Step {
 // The same, for a caller that waits. The wait ends when the step is destroyed, whether the task ran or was dropped; the
 // task is destroyed before that.
 struct AwaitedStep {
-    std::promise<void> gone;
+    struct Release {
+        void operator()(std::binary_semaphore* gone) const { gone->release(); }
+    };
+
+    std::unique_ptr<std::binary_semaphore, Release> gone;
     Step step;
 
     void operator()() { step(); }
@@ -58,15 +62,14 @@ void AsioSerialQueue::sync(platform::Task task)
     if (m_strand.running_in_this_thread()) {
         throw std::logic_error("a task of a serial queue waits for its own queue");
     }
-    AwaitedStep step{{}, {m_pool, std::move(task)}};
-    const auto gone = step.gone.get_future();
-    asio::post(m_strand, std::move(step));
-    gone.wait();
+    std::binary_semaphore gone(0);
+    asio::post(m_strand, AwaitedStep{decltype(AwaitedStep::gone)(&gone), {m_pool, std::move(task)}});
+    gone.acquire();
 }
 
 std::shared_ptr<platform::Timer> AsioSerialQueue::makeTimer(platform::TimerSchedule schedule, platform::Task handler)
 {
-    return std::make_shared<AsioTimer>(m_pool, m_timers, m_strand, schedule.delay, std::move(handler));
+    return std::make_shared<AsioTimer>(m_pool, m_timers, m_strand, schedule, std::move(handler));
 }
 
 } // namespace vorrano::asio_platform

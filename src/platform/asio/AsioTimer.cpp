@@ -3,6 +3,7 @@
 #include <asio/post.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace vorrano::asio_platform {
@@ -11,33 +12,44 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// `delay` from now, or the end of time.
-Clock::time_point after(std::chrono::nanoseconds delay)
+// A cancelled timer that expires later than this is taken out, so that they do not gather.
+constexpr std::chrono::seconds kLong{10};
+// Timers with a leeway expire at the multiples of this part of it.
+constexpr int kTimesPerLeeway = 4;
+
+// The delay from now, or the end of time; rounded up within the leeway.
+Clock::time_point expiryOf(const platform::TimerSchedule& schedule)
 {
     const auto now = Clock::now();
-    return now + std::min(std::max(delay, std::chrono::nanoseconds(0)), Clock::time_point::max() - now);
+    const auto left = Clock::time_point::max() - now;
+    const auto delay = std::clamp<Clock::duration>(schedule.delay, Clock::duration::zero(), left);
+    const auto grid = schedule.leeway / kTimesPerLeeway;
+    if (grid <= Clock::duration::zero() || delay > left - grid) {
+        return now + delay;
+    }
+    const auto due = now + delay + grid - Clock::duration(1);
+    return due - due.time_since_epoch() % grid;
 }
 
 } // namespace
 
 AsioTimer::AsioTimer(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::io_context> timers, Strand strand,
-                     std::chrono::nanoseconds delay, platform::Task handler)
+                     platform::TimerSchedule schedule, platform::Task handler)
     : m_pool(std::move(pool))
     , m_timers(std::move(timers))
     , m_strand(std::move(strand))
-    , m_delay(delay)
-    , m_timer(*m_timers)
+    , m_schedule(schedule)
     , m_handler(std::move(handler))
 {}
 
 void AsioTimer::start()
 {
     const platform::MutexLock lock(m_mutex);
-    if (std::exchange(m_started, true) || !m_handler) {
+    if (m_timer || !m_handler) {
         return;
     }
-    m_timer.expires_at(after(m_delay));
-    m_timer.async_wait([timer = weak_from_this()](const asio::error_code& cancelled) {
+    m_timer = std::make_shared<asio::steady_timer>(*m_timers, expiryOf(m_schedule));
+    m_timer->async_wait([timer = weak_from_this(), held = m_timer](const asio::error_code& cancelled) {
         const auto alive = timer.lock();
         if (alive && !cancelled) {
             alive->submit();
@@ -50,7 +62,9 @@ void AsioTimer::cancel()
     // Released after the lock: the handler may hold the last reference to this timer.
     const auto released = takeHandler();
     const platform::MutexLock lock(m_mutex);
-    m_timer.cancel();
+    if (m_timer && m_schedule.delay > kLong) {
+        m_timer->cancel();
+    }
 }
 
 void AsioTimer::submit()
