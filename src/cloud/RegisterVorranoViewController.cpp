@@ -57,7 +57,7 @@ void RegisterVorranoViewController::queryForMacAddress()
     const auto& ports = serial::SerialPortManager::sharedSerialPortManager()->availablePorts();
     const auto index = static_cast<std::size_t>(m_deviceIndex);
     // A port of another kind must not be sent a query: whatever is behind it may take it for something else.
-    if (index >= ports.size() || ports[index]->path().find(device::kVorranoPath) == std::string::npos) {
+    if (index >= ports.size() || !device::isVorranoPath(ports[index]->path())) {
         return;
     }
     m_exchange.setQueryNumber(DeviceCommand::MacAddress);

@@ -1,6 +1,6 @@
 #include "platform/qt/QtApplication.h"
 
-#include "platform/qt/Guarded.h"
+#include "platform/qtcore/Guarded.h"
 
 #include <QEvent>
 #include <QIcon>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/Controls.h"
-#include "platform/qt/Guarded.h"
 #include "platform/qt/QtGate.h"
+#include "platform/qtcore/Guarded.h"
 
 #include <QObject>
 #include <QWidget>

@@ -1,6 +1,6 @@
-#include "platform/qt/QtMainQueue.h"
+#include "platform/qtcore/QtMainQueue.h"
 
-#include "platform/qt/Guarded.h"
+#include "platform/qtcore/Guarded.h"
 
 #include <QCoreApplication>
 #include <QEvent>
