@@ -18,14 +18,14 @@ enum class Verb { List, Get, Set, Wifi, Reset, Update };
 struct Arguments {
     Verb verb = Verb::List;
     // What follows the verb: for get, set and reset the item, for set its value too; for update the file.
-    std::vector<std::string> operands;
-    std::vector<std::string> ports;
+    std::vector<std::string> operands{};
+    std::vector<std::string> ports{};
     bool all = false;
     bool json = false;
     bool force = false;
-    std::optional<std::string> ssid;
-    std::optional<std::string> security;
-    std::optional<std::string> passwordFile;
+    std::optional<std::string> ssid{};
+    std::optional<std::string> security{};
+    std::optional<std::string> passwordFile{};
 };
 
 // What ends the program before it has done anything: a text for standard output, or a reason for standard error.
