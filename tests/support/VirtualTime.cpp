@@ -1,5 +1,7 @@
 #include "support/VirtualTime.h"
 
+#include "platform/Guarded.h"
+
 #include <algorithm>
 #include <exception>
 #include <stdexcept>
@@ -271,9 +273,9 @@ void VirtualTime::runGuarded(const Task& task) const
     } catch (const Unwound&) {
         throw;
     } catch (const std::exception& exception) {
-        m_log.write(std::string("Uncaught exception: ") + exception.what());
+        platform::logUncaught(m_log, exception.what());
     } catch (...) {
-        m_log.write("Uncaught exception");
+        platform::logUncaught(m_log, "not a std::exception");
     }
 }
 
@@ -303,8 +305,8 @@ bool VirtualTime::step()
         const auto drawn = (*m_dice)() % (m_ready.size() + mainTasks);
         return drawn == m_ready.size() ? runMainTask() : runReadyThread(drawn);
     }
-    const bool mainIsFirst = m_ready.empty() || m_mainTasks.front().order < m_ready.front().order;
-    return mainTasks > 0 && mainIsFirst ? runMainTask() : runReadyThread(0);
+    const bool isMainNext = mainTasks > 0 && (m_ready.empty() || m_mainTasks.front().order < m_ready.front().order);
+    return isMainNext ? runMainTask() : runReadyThread(0);
 }
 
 bool VirtualTime::fireEvent()

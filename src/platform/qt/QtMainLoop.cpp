@@ -1,9 +1,9 @@
 #include "platform/qt/QtMainLoop.h"
 
+#include "platform/Guarded.h"
 #include "platform/NotificationCentre.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtGate.h"
-#include "platform/qtcore/Guarded.h"
 #include "platform/qtcore/QtMainQueue.h"
 #include "platform/qtcore/QtSignals.h"
 
