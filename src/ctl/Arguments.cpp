@@ -45,11 +45,14 @@ struct Options {
     bool version = false;
 };
 
-std::string nameOf(int code)
+const option* find(int code)
 {
-    const auto found = std::find_if(kOptions.begin(), kOptions.end(), [&](const auto& one) { return one.val == code; });
-    return std::string("--") + found->name;
+    return std::find_if(kOptions.begin(), kOptions.end() - 1, [&](const auto& one) { return one.val == code; });
 }
+
+bool isOption(int code) { return find(code)->name != nullptr; }
+
+std::string nameOf(int code) { return std::string("--") + find(code)->name; }
 
 void take(Options& options, int code)
 {
@@ -87,9 +90,29 @@ void take(Options& options, int code)
     }
 }
 
+// The name of the first long option that is not spelled out: getopt(3) would take "--pass" for "--password-file". Its
+// value may be a secret that stands there by mistake.
+std::optional<std::string> unknownLongOption(const std::vector<std::string>& words)
+{
+    for (const auto& word : words) {
+        if (word == "--") {
+            break;
+        }
+        const auto name = word.substr(0, word.find('='));
+        const auto isNamed = [&](const auto& one) { return one.name != nullptr && name.substr(2) == one.name; };
+        if (word.starts_with("--") && std::none_of(kOptions.begin(), kOptions.end(), isNamed)) {
+            return name;
+        }
+    }
+    return std::nullopt;
+}
+
 // The words' options, and what is left: the verb and its operands.
 std::variant<Options, Answer> optionsOf(const std::vector<std::string>& words)
 {
+    if (const auto unknown = unknownLongOption(words)) {
+        return refusal("Unknown option '" + *unknown + "'.");
+    }
     std::vector<std::string> copies{std::string(kProgramName)};
     copies.insert(copies.end(), words.begin(), words.end());
     std::vector<char*> argv;
@@ -102,15 +125,12 @@ std::variant<Options, Answer> optionsOf(const std::vector<std::string>& words)
     optind = 0; // from the beginning, also in a second call
     int code = 0;
     while ((code = getopt_long(argc, argv.data(), kShortOptions, kOptions.data(), nullptr)) != -1) {
-        // An option with a value may carry a secret by mistake: only its name is repeated.
-        const std::string word = argv[static_cast<std::size_t>(optind - 1)];
         if (code == ':') {
-            return refusal("The option '" + word + "' needs a value.");
+            return refusal("'" + nameOf(optopt) + "' needs a value.");
         }
         if (code == '?') {
-            const bool isLong = optopt == 0 || word.starts_with("--");
-            const auto name = isLong ? word.substr(0, word.find('=')) : std::string{'-', static_cast<char>(optopt)};
-            return refusal("Unknown option '" + name + "'.");
+            return isOption(optopt) ? refusal("'" + nameOf(optopt) + "' takes no value.")
+                                    : refusal(std::string("Unknown option '-") + static_cast<char>(optopt) + "'.");
         }
         take(options, code);
     }

@@ -42,8 +42,7 @@ protected:
     // As far as it comes by itself at this point of time.
     void begin(Arguments arguments, Task task)
     {
-        tool.emplace(std::move(arguments), std::move(task),
-                     ToolInterfaces{console, world.portAccess, world.stayAwake});
+        tool.emplace(std::move(arguments), std::move(task), ToolInterfaces{console, world.portAccess, world.stayAwake});
         tool->start([this](ExitStatus ended) { status = ended; });
         world.run();
     }
@@ -85,10 +84,9 @@ TEST_F(CtlTool, ListsWhatItKnowsOfEachPort)
     begin({}, ListPorts{});
 
     EXPECT_EQ(status, ExitStatus::Done);
-    EXPECT_EQ(console.written,
-              "PORT                    NODE          VORRANO  ADAPTER   SERIAL  ALLOWED  USED BY\n"
-              "/dev/cu.usbserial-A1B2  /dev/ttyUSB0  yes      -         -       yes      minicom\n"
-              "/dev/ttyS0              /dev/ttyS0    no       Odd\\nOne  7       no       -\n");
+    EXPECT_EQ(console.written, "PORT                    NODE          VORRANO  ADAPTER   SERIAL  ALLOWED  USED BY\n"
+                               "/dev/cu.usbserial-A1B2  /dev/ttyUSB0  yes      -         -       yes      minicom\n"
+                               "/dev/ttyS0              /dev/ttyS0    no       Odd\\nOne  7       no       -\n");
 }
 
 TEST_F(CtlTool, AsksAllVorranosAtTheSameTimeAndNoOtherPort)
