@@ -4,7 +4,7 @@
 
 #include "platform/asio/AsioBackgroundQueue.h"
 #include "platform/posix/PosixTerminal.h"
-#include "platform/qt/QtMainQueue.h"
+#include "platform/qtcore/QtMainQueue.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortDelegate.h"
 #include "serial/SerialRequest.h"

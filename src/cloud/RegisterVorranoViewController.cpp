@@ -57,7 +57,7 @@ void RegisterVorranoViewController::queryForMacAddress()
     const auto& ports = serial::SerialPortManager::sharedSerialPortManager()->availablePorts();
     const auto index = static_cast<std::size_t>(m_deviceIndex);
     // Send no query to a port of another kind: the device behind it may take it for a command of its own.
-    if (index >= ports.size() || ports[index]->path().find(device::kVorranoPath) == std::string::npos) {
+    if (index >= ports.size() || !device::isVorranoPath(ports[index]->path())) {
         return;
     }
     m_exchange.setQueryNumber(DeviceCommand::MacAddress);

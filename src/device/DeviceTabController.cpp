@@ -1,6 +1,7 @@
 #include "device/DeviceTabController.h"
 
 #include "device/ConnectionNotice.h"
+#include "device/DeviceRequests.h"
 #include "device/DeviceTexts.h"
 #include "platform/NotificationCentre.h"
 #include "platform/OkAlert.h"
@@ -9,8 +10,6 @@
 #include "serial/SerialPortManager.h"
 
 #include <algorithm>
-#include <any>
-#include <chrono>
 #include <utility>
 
 namespace vorrano::device {
@@ -21,16 +20,7 @@ using serial::SerialPortManager;
 
 namespace {
 
-constexpr unsigned long kBaudRate = 9600;
-constexpr std::chrono::duration<double> kTimeLimit{2.0};
-
-std::shared_ptr<serial::SerialRequest> makeRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
-{
-    return serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
-        std::move(data), std::any(), kTimeLimit, std::move(evaluator));
-}
-
-bool isVorrano(const std::shared_ptr<SerialPort>& port) { return port->path().find(kVorranoPath) != std::string::npos; }
+bool isVorrano(const std::shared_ptr<SerialPort>& port) { return isVorranoPath(port->path()); }
 
 } // namespace
 
@@ -151,13 +141,15 @@ void DeviceTabController::displayAlert(std::optional<std::string_view> messageTe
 
 void DeviceTabController::sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
 {
-    submit(makeRequest(std::move(data), std::move(evaluator)));
+    submit({makeRequest(std::move(data), std::move(evaluator))});
 }
 
-void DeviceTabController::submit(const std::shared_ptr<serial::SerialRequest>& request)
+void DeviceTabController::submit(const std::vector<std::shared_ptr<serial::SerialRequest>>& requests)
 {
-    if (m_serialPort) {
-        m_serialPort->sendRequest(request);
+    for (const auto& request : requests) {
+        if (m_serialPort) {
+            m_serialPort->sendRequest(request);
+        }
     }
 }
 
@@ -165,28 +157,20 @@ void DeviceTabController::query(platform::Control& sender, DeviceCommand command
 {
     displayAndStartProgressIndicator(sender);
     m_exchange.setQueryNumber(command);
-    const auto request = makeRequest(bytesOf(command), evaluatorOf(command));
-    request->setResponseSecret(command == DeviceCommand::ReadPassword);
-    submit(request);
+    submit(requestsOf(command));
 }
 
 void DeviceTabController::send(platform::Control& sender, DeviceCommand command, std::string argument)
 {
     displayAndStartProgressIndicator(sender);
     m_exchange.setQueryNumber(command);
-    sendRequest(bytesOf(command));
-    if (descriptionOf(command).argument == Argument::FreeText) {
-        sendRequest(std::move(argument));
-        sendRequest(endMark(), evaluatorOf(command));
-    } else {
-        sendRequest(std::move(argument), evaluatorOf(command));
-    }
+    submit(requestsOf(command, std::move(argument)));
 }
 
 void DeviceTabController::reset(platform::Control& sender, DeviceCommand command, std::string_view finished)
 {
     displayAndStartProgressIndicator(sender);
-    sendRequest(bytesOf(command), evaluatorOf(command));
+    submit(requestsOf(command));
     displayAlert(finished, device_text::kSuccess);
     hideAndStopProgressIndicator(&sender);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/DeviceExchange.h"
+#include "device/VorranoPort.h"
 #include "platform/BusyDisplay.h"
 #include "platform/Layouts.h"
 #include "platform/Subscription.h"
@@ -25,9 +26,6 @@ class SerialPortManager;
 } // namespace vorrano::serial
 
 namespace vorrano::device {
-
-// What stands in the path of a Vorrano's port, anywhere.
-inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 
 // What the tabs that talk to the device have in common: the connection to its port, the progress display, the alerts.
 //
@@ -122,7 +120,7 @@ protected:
     DeviceExchange m_exchange;
 
 private:
-    void submit(const std::shared_ptr<serial::SerialRequest>& request);
+    void submit(const std::vector<std::shared_ptr<serial::SerialRequest>>& requests);
     void updateConnectionNotice();
 
     platform::Alerts& m_alerts;

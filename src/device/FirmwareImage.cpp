@@ -56,4 +56,14 @@ std::vector<std::string> charactersOfLine(std::string_view line)
     return characters;
 }
 
+void sendImage(std::string_view image, const ImageLine& line)
+{
+    for (const auto text : linesOfImage(image)) {
+        for (const auto& character : charactersOfLine(text)) {
+            line.write(character);
+        }
+        line.pause();
+    }
+}
+
 } // namespace vorrano::device

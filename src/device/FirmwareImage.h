@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,5 +22,24 @@ namespace vorrano::device {
 
 // What is written for each character (UTF-16 unit) of a line: its low 8 bits as one character, in UTF-8.
 [[nodiscard]] std::vector<std::string> charactersOfLine(std::string_view line);
+
+// The prompts of the bootloader and of its upload, each a whole chunk.
+inline constexpr std::string_view kBootloaderPrompt = ">";
+inline constexpr std::string_view kUploadPrompt = "U";
+
+// The device takes a line at this pace; it is the number of single precision next to 0.1 s.
+inline constexpr auto kPauseAfterLine =
+    std::chrono::ceil<std::chrono::nanoseconds>(std::chrono::duration<double>(0.1F));
+
+// Where an image goes.
+struct ImageLine {
+    // Writes a character.
+    std::function<void(const std::string& character)> write;
+    // Waits for kPauseAfterLine. Called after each line's last character, and for an empty line too.
+    std::function<void()> pause;
+};
+
+// Sends the image line by line. What a function of the line throws ends the sending and is passed on.
+void sendImage(std::string_view image, const ImageLine& line);
 
 } // namespace vorrano::device

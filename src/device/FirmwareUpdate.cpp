@@ -24,10 +24,6 @@ using platform::Platform;
 namespace {
 
 constexpr std::chrono::milliseconds kCheckPause{500};
-// The device takes a line at this pace; it is the number of single precision next to 0.1 s.
-constexpr auto kLinePause = std::chrono::ceil<std::chrono::nanoseconds>(std::chrono::duration<double>(0.1F));
-constexpr std::string_view kBootloaderPrompt = ">";
-constexpr std::string_view kUploadPrompt = "U";
 
 std::string proceedQuestion()
 {
@@ -164,14 +160,9 @@ void FirmwareUpdate::UpdateFirmwareWrite2()
 void FirmwareUpdate::writeImage()
 {
     const auto image = readFirmwareImage(m_filename);
-    if (!image) {
-        return;
-    }
-    for (const auto line : linesOfImage(*image)) {
-        for (const auto& character : charactersOfLine(line)) {
-            m_line.writeAwaitingAck(character);
-        }
-        m_pause.pause(kLinePause);
+    if (image) {
+        sendImage(*image, {.write = [this](const std::string& character) { m_line.writeAwaitingAck(character); },
+                           .pause = [this] { m_pause.pause(kPauseAfterLine); }});
     }
 }
 

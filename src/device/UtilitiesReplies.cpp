@@ -1,6 +1,7 @@
 #include "device/UtilitiesReplies.h"
 
 #include "device/DeviceExchange.h"
+#include "device/DeviceValues.h"
 #include "device/UtilitiesTexts.h"
 #include "platform/OkAlert.h"
 #include "platform/Platform.h"
@@ -16,20 +17,7 @@ namespace {
 constexpr std::size_t kShortestFirmwareVersion = 6;
 constexpr std::size_t kShortestWifiFirmwareVersion = 13;
 constexpr std::string_view kZeroLine = "0\n\r";
-constexpr std::string_view kOneLine = "1\n\r";
-constexpr std::string_view kOkLine = "OK\n\r";
 constexpr const char* kWithheld = "(withheld)";
-
-std::optional<std::string_view> unitOfReply(const std::optional<std::string>& reply)
-{
-    if (reply == kZeroLine) {
-        return utilities_text::kFahrenheit;
-    }
-    if (reply == kOneLine) {
-        return utilities_text::kCelsius;
-    }
-    return std::nullopt;
-}
 
 } // namespace
 
@@ -90,11 +78,11 @@ void UtilitiesReplies::displayThrottle()
     display(std::to_string(throttle), utilities_text::kThrottle);
 }
 
-void UtilitiesReplies::displayTemperatureUnit() { display(unitOfReply(m_exchange.receivedString()), ""); }
+void UtilitiesReplies::displayTemperatureUnit() { display(unitOfReply(m_exchange.receivedString().value_or("")), ""); }
 
 void UtilitiesReplies::displayTemperatureUnitSetAlert()
 {
-    if (m_exchange.receivedString() == kOkLine) {
+    if (isUnitAcknowledged(m_exchange.receivedString().value_or(""))) {
         display(m_exchange.receivedString(), "");
     }
 }

@@ -7,30 +7,13 @@
 #include "platform/Platform.h"
 #include "platform/SystemLog.h"
 #include "serial/SerialPort.h"
-#include "text/Text.h"
 
-#include <algorithm>
 #include <exception>
 
 namespace vorrano::device {
 
 using platform::Control;
 using platform::Platform;
-
-namespace {
-
-// 20 is refused, though the message names it.
-constexpr std::int64_t kSmallestThrottle = 21;
-constexpr std::int64_t kLargestThrottle = 90;
-
-std::uint16_t numberOfUnit(const std::optional<std::string>& title)
-{
-    const auto units = UtilitiesViewController::tempDisplayDictionary();
-    const auto found = std::find_if(units.begin(), units.end(), [&](const auto& unit) { return unit.first == title; });
-    return found == units.end() ? std::uint16_t{0} : found->second;
-}
-
-} // namespace
 
 std::shared_ptr<UtilitiesViewController> UtilitiesViewController::create()
 {
@@ -82,7 +65,7 @@ void UtilitiesViewController::awakeFromNib()
 
 UtilitiesViewController::TemperatureUnits UtilitiesViewController::tempDisplayDictionary()
 {
-    return {{std::string(utilities_text::kFahrenheit), 0}, {std::string(utilities_text::kCelsius), 1}};
+    return temperatureUnits();
 }
 
 void UtilitiesViewController::setUpTemperatureDisplayPopupButton()
@@ -148,12 +131,12 @@ void UtilitiesViewController::buttonSetThrottle(Control& sender)
     // Even when the input is refused.
     m_exchange.setQueryNumber(DeviceCommand::SetThrottle);
     m_exchange.setWaitingForAck();
-    const auto throttle = text::integerValue(m_setThrottleTextField.text());
-    if (throttle < kSmallestThrottle || throttle > kLargestThrottle) {
+    const auto throttle = throttleOf(m_setThrottleTextField.text());
+    if (!throttle) {
         displayAlert(utilities_text::kInvalidThrottle, utilities_text::kThrottleRange);
         return;
     }
-    send(sender, DeviceCommand::SetThrottle, characterOfLow8Bits(storedThrottle(throttle)));
+    send(sender, DeviceCommand::SetThrottle, characterOfLow8Bits(storedThrottle(*throttle)));
 }
 
 void UtilitiesViewController::buttonSetTemperatureUnit(Control&)
@@ -161,7 +144,8 @@ void UtilitiesViewController::buttonSetTemperatureUnit(Control&)
     m_exchange.setQueryNumber(DeviceCommand::SetTemperatureUnit);
     m_exchange.setWaitingForAck();
     write(bytesOf(DeviceCommand::SetTemperatureUnit));
-    write(characterOfLow16Bits(numberOfUnit(m_temperatureDisplayUnitButton.titleOfSelectedItem())));
+    const auto unit = m_temperatureDisplayUnitButton.titleOfSelectedItem().value_or("");
+    write(characterOfLow16Bits(numberOf(temperatureUnits(), unit).value_or(0)));
 }
 
 void UtilitiesViewController::buttonUpdateFirmware(Control&) { m_firmwareUpdate.buttonUpdateFirmware(); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/DeviceTabController.h"
+#include "device/DeviceValues.h"
 #include "device/FirmwareUpdate.h"
 #include "device/UtilitiesReplies.h"
 
@@ -8,7 +9,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace vorrano::device {
@@ -22,7 +22,7 @@ namespace vorrano::device {
 class UtilitiesViewController : public DeviceTabController, private FirmwareLine {
 public:
     // The names of the temperature units and the device's own numbers for them, in the order in which they are offered.
-    using TemperatureUnits = std::vector<std::pair<std::string, std::uint16_t>>;
+    using TemperatureUnits = NamedNumbers;
     [[nodiscard]] static TemperatureUnits tempDisplayDictionary();
 
     // Loads the view. awakeFromNib() is the caller's, once it has stored the controller.

@@ -7,26 +7,10 @@
 #include "platform/Platform.h"
 #include "platform/WifiInterface.h"
 
-#include <algorithm>
-
 namespace vorrano::device {
 
 using platform::Control;
 using platform::Platform;
-
-namespace {
-
-constexpr std::uint16_t kWep128 = 1;
-constexpr std::uint16_t kWep64 = 8;
-
-std::optional<std::uint16_t> securityKeyOf(const std::optional<std::string>& title)
-{
-    const auto types = WifiSetupViewController::securityTypesDictionary();
-    const auto found = std::find_if(types.begin(), types.end(), [&](const auto& type) { return type.first == title; });
-    return found == types.end() ? std::nullopt : std::optional(found->second);
-}
-
-} // namespace
 
 std::shared_ptr<WifiSetupViewController> WifiSetupViewController::create()
 {
@@ -87,10 +71,7 @@ void WifiSetupViewController::offerNetworks(const std::vector<std::string>& netw
     }
 }
 
-WifiSetupViewController::SecurityTypes WifiSetupViewController::securityTypesDictionary()
-{
-    return {{"Open", 0}, {"WEP-128", kWep128}, {"WPA1", 2}, {"WPA mixed", 3}, {"WPA2", 4}, {"WEP-64", kWep64}};
-}
+WifiSetupViewController::SecurityTypes WifiSetupViewController::securityTypesDictionary() { return securityTypes(); }
 
 void WifiSetupViewController::loadSecurityTypeOptionsButton()
 {
@@ -104,7 +85,7 @@ void WifiSetupViewController::loadSecurityTypeOptionsButton()
 
 void WifiSetupViewController::updateUIForSecurityKey(std::optional<std::uint16_t> key)
 {
-    const bool wep = key == kWep128 || key == kWep64;
+    const bool wep = hasWepKey(key);
     m_wepKeyField.setEnabled(wep);
     m_saveKeyButton.setEnabled(wep);
     m_password.setEnabled(!wep);
@@ -120,7 +101,7 @@ void WifiSetupViewController::buttonScanSSID(Control&)
 
 void WifiSetupViewController::securityTypeButton(Control&)
 {
-    m_selectedSecurityKey = securityKeyOf(m_securityTypeButton.titleOfSelectedItem());
+    m_selectedSecurityKey = numberOf(securityTypes(), m_securityTypeButton.titleOfSelectedItem().value_or(""));
     updateUIForSecurityKey(m_selectedSecurityKey);
 }
 

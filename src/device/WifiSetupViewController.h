@@ -1,12 +1,12 @@
 #pragma once
 
 #include "device/DeviceTabController.h"
+#include "device/DeviceValues.h"
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace vorrano::platform {
@@ -25,7 +25,7 @@ namespace vorrano::device {
 class WifiSetupViewController : public DeviceTabController {
 public:
     // The names of the security types and the device's own numbers for them, in the order in which they are offered.
-    using SecurityTypes = std::vector<std::pair<std::string, std::uint16_t>>;
+    using SecurityTypes = NamedNumbers;
     [[nodiscard]] static SecurityTypes securityTypesDictionary();
 
     // Loads the view. awakeFromNib() is the caller's, once it has stored the controller.

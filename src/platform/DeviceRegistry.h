@@ -19,14 +19,18 @@ inline constexpr std::string_view kTTYBaseNameKey = "IOTTYBaseName";
 inline constexpr std::string_view kSerialClientTypeKey = "IOSerialBSDClientType";
 inline constexpr std::string_view kTTYDeviceKey = "IOTTYDevice";
 inline constexpr std::string_view kTTYSuffixKey = "IOTTYSuffix";
+// Of the adapter, where it says them.
+inline constexpr std::string_view kAdapterNameKey = "USB Product Name";
+inline constexpr std::string_view kAdapterSerialNumberKey = "USB Serial Number";
 
 enum class DeviceEvent { Published, Terminated };
 
 // The serial devices of the system, and events about those that come and go.
 //
 // A device's properties are: callout path ("/dev/cu.usbserial-A1B2"; a name that stays with the adapter, not a file),
-// dial-in path (its node, "/dev/ttyUSB0"), tty name ("ttyUSB0"), base name ("ttyUSB"), suffix ("0") and client type.
-// They can be read from the device's published event until its terminated event has been handled.
+// dial-in path (its node, "/dev/ttyUSB0"), tty name ("ttyUSB0"), base name ("ttyUSB"), suffix ("0"), client type, and
+// the name and serial number of its adapter. They can be read from the device's published event until its terminated
+// event has been handled.
 //
 // Handles are counted: each one that is given out, and each retain(), needs one release(). A handle that is never
 // released costs its number and nothing else.

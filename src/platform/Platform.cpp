@@ -3,21 +3,20 @@
 #include "platform/MainThreadDeleter.h"
 
 #include <cassert>
-#include <thread>
 
 namespace vorrano::platform {
 
 namespace {
 Platform* s_current = nullptr;
-std::thread::id s_mainThread;
 } // namespace
 
 Platform::Platform(const Interfaces& interfaces)
     : Interfaces(interfaces)
+    , m_system({interfaces.mainQueue, interfaces.backgroundQueue, interfaces.notificationCentre, interfaces.terminal,
+                interfaces.deviceRegistry, interfaces.powerEvents, interfaces.systemLog})
 {
     assert(s_current == nullptr);
     s_current = this;
-    s_mainThread = std::this_thread::get_id();
 }
 
 Platform::~Platform()
@@ -32,7 +31,5 @@ Platform& Platform::current()
     assertMainThread();
     return *s_current;
 }
-
-void assertMainThread() { assert(s_current == nullptr || std::this_thread::get_id() == s_mainThread); }
 
 } // namespace vorrano::platform

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/System.h"
+
 #include <string>
 
 namespace vorrano::platform {
@@ -59,10 +61,9 @@ public:
 
     // Asserts that the caller is on the main thread.
     [[nodiscard]] static Platform& current();
-};
 
-// Asserts that the caller is on the main thread of the Platform that there is, if there is one. For the entry points of
-// objects that live on the main thread.
-void assertMainThread();
+private:
+    System m_system;
+};
 
 } // namespace vorrano::platform

@@ -2,7 +2,7 @@
 
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
-#include "platform/Platform.h"
+#include "platform/System.h"
 #include "platform/SystemLog.h"
 #include "serial/InAnyCase.h"
 #include "serial/LivePortRegistry.h"
@@ -47,11 +47,11 @@ std::shared_ptr<SerialPort> SerialPort::initWithDevice(platform::DeviceHandle de
 }
 
 SerialPort::SerialPort(platform::DeviceHandle device, std::string path)
-    : m_terminal(platform::Platform::current().terminal)
-    , m_mainQueue(platform::Platform::current().mainQueue)
-    , m_backgroundQueue(platform::Platform::current().backgroundQueue)
-    , m_deviceRegistry(platform::Platform::current().deviceRegistry)
-    , m_systemLog(platform::Platform::current().systemLog)
+    : m_terminal(platform::System::current().terminal)
+    , m_mainQueue(platform::System::current().mainQueue)
+    , m_backgroundQueue(platform::System::current().backgroundQueue)
+    , m_deviceRegistry(platform::System::current().deviceRegistry)
+    , m_systemLog(platform::System::current().systemLog)
     , m_path(std::move(path))
     , m_name(modemNameFromDevice(device).value_or(""))
     , m_delegate(*this, m_mainQueue)

@@ -1,6 +1,6 @@
 #include "serial/SerialPort.h"
 
-#include "platform/Platform.h"
+#include "platform/System.h"
 
 namespace vorrano::serial {
 
@@ -9,7 +9,7 @@ platform::DeviceHandle SerialPort::deviceFromBSDPath(const std::string& path)
     if (path.empty()) {
         return 0;
     }
-    auto& registry = platform::Platform::current().deviceRegistry;
+    auto& registry = platform::System::current().deviceRegistry;
     const auto devices = registry.serialStreamDevices();
     if (!devices) {
         return 0;
@@ -26,7 +26,7 @@ platform::DeviceHandle SerialPort::deviceFromBSDPath(const std::string& path)
 std::optional<std::string> SerialPort::stringPropertyOfForIOSerialKey(platform::DeviceHandle device,
                                                                       std::string_view key)
 {
-    return platform::Platform::current().deviceRegistry.stringProperty(device, key);
+    return platform::System::current().deviceRegistry.stringProperty(device, key);
 }
 
 std::optional<std::string> SerialPort::bsdCalloutPathFromDevice(platform::DeviceHandle device)

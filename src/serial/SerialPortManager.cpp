@@ -2,8 +2,8 @@
 
 #include "platform/Mutex.h"
 #include "platform/NotificationCentre.h"
-#include "platform/Platform.h"
 #include "platform/PowerEvents.h"
+#include "platform/System.h"
 #include "platform/SystemLog.h"
 
 #include <algorithm>
@@ -38,7 +38,7 @@ void forward(CallbackContext* context, DeviceIterator iterator, Handler handler,
         (manager->*handler)(iterator);
         return;
     }
-    platform::Platform::current().systemLog.write(
+    platform::System::current().systemLog.write(
         "Unexpected context object " + (context != nullptr ? context->description() : "(null)") + " in " + signature +
         ". Context object should be an instance of SerialPortManager");
 }
@@ -80,9 +80,9 @@ void SerialPortManager::releaseShared()
 }
 
 SerialPortManager::SerialPortManager()
-    : m_deviceRegistry(platform::Platform::current().deviceRegistry)
-    , m_notificationCentre(platform::Platform::current().notificationCentre)
-    , m_powerEvents(platform::Platform::current().powerEvents)
+    : m_deviceRegistry(platform::System::current().deviceRegistry)
+    , m_notificationCentre(platform::System::current().notificationCentre)
+    , m_powerEvents(platform::System::current().powerEvents)
 {}
 
 SerialPortManager::~SerialPortManager()

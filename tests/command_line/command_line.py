@@ -120,6 +120,37 @@ class SimulatorsCommandLine(unittest.TestCase):
         self.assert_refused("Unknown option 'colour'", "--control", "/nonexistent/control", "--window", "--colour")
 
 
+class ToolsCommandLine(unittest.TestCase):
+    VERBS = ("list", "get", "set", "wifi", "reset", "update")
+
+    def test_shows_help_of_the_program_and_of_each_verb(self):
+        for arguments in ((), *((verb,) for verb in self.VERBS)):
+            for option in ("--help", "-h"):
+                ended = run("vorranoctl", *arguments, option)
+                self.assertEqual((ended.returncode, ended.stderr), (0, ""), ended)
+                self.assertTrue(ended.stdout.startswith(" ".join(("Usage: vorranoctl", *arguments))), ended)
+
+    def test_has_each_option_and_verb_in_its_manual(self):
+        with open(os.path.join(MANUAL, "vorranoctl.1"), encoding="utf-8") as page:
+            manual = page.read().replace("\\-", "-")
+        for verb in self.VERBS:
+            self.assertRegex(manual, r"\n\.B[IR]? (vorranoctl )?" + verb)
+            for option in re.findall(r"--[a-z-]+", run("vorranoctl", verb, "--help").stdout):
+                self.assertRegex(manual, option + r"(?![a-z-])")
+
+    def test_shows_its_version(self):
+        for option in ("--version", "-v"):
+            ended = run("vorranoctl", option)
+            self.assertEqual((ended.returncode, ended.stdout, ended.stderr), (0, "vorranoctl %s\n" % VERSION, ""))
+
+    def test_refuses_what_it_does_not_understand(self):
+        for arguments in ((), ("paint",), ("get",), ("get", "mac", "--colour"), ("list", "--platform", "xcb")):
+            ended = run("vorranoctl", *arguments)
+            self.assertEqual((ended.returncode, ended.stdout), (2, ""), ended)
+            self.assertTrue(ended.stderr.startswith("vorranoctl: "), ended)
+            self.assertTrue(ended.stderr.endswith("\nTry 'vorranoctl --help'.\n"), ended)
+
+
 if __name__ == "__main__":
     BUILD, MANUAL, VERSION = (sys.argv.pop(1) for _ in range(3))
     unittest.main()

@@ -28,9 +28,13 @@ def again(stage, *command):
 def run(build, file, name):
     sys.dont_write_bytecode = True
     sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-    from harness.world import World
-    case = getattr(importlib.import_module(file.removesuffix(".py")), name)
-    world = World("%s.%s" % (file.removesuffix(".py"), name), os.path.abspath(build), **getattr(case, "options", {}))
+    module = importlib.import_module(file.removesuffix(".py"))
+    case = getattr(module, name)
+    # A case of the program with windows happens in a World, one of the tool in a ToolWorld.
+    kind = getattr(module, "WORLD", None)
+    if kind is None:
+        from harness.world import World as kind
+    world = kind("%s.%s" % (file.removesuffix(".py"), name), os.path.abspath(build), **getattr(case, "options", {}))
     try:
         case(world)
     except BaseException:

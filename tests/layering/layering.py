@@ -21,17 +21,21 @@ ALLOWED = {
     "device": GROUND + ["serial", "web"],
     "cloud": GROUND + ["serial", "web", "device"],
     "app/shell": GROUND + ["serial", "web", "device", "cloud"],
-    "platform/posix": ["platform"],
+    "platform/posix": ["platform", "text"],
     "platform/linux": ["platform"],
     "platform/curl": ["platform"],
     "platform/asio": ["platform"],
-    "platform/qt": ["platform"],
+    "platform/qtcore": ["platform"],
+    "platform/qt": ["platform", "platform/qtcore"],
+    "ctl": GROUND + ["serial", "device"],
     "app": None,  # the programs: they compose everything
+    "ctl/program": None,
 }
 # What the adapters are made of; nobody else may know it.
 FOREIGN = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*|asio(/|\.hpp).*|curl/.*|libudev\.h|libmnl/.*|linux/.*|dbus/.*)$")
-# The one folder of the logic that knows a library.
-JSON_FOLDER = "web"
+# The folders of the logic that know a library.
+JSON_FOLDERS = ("web", "ctl")
+PROGRAMS = ("app", "ctl/program")
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]')
 
 
@@ -79,11 +83,11 @@ def judge(folder, quote, target):
         if allowed is not None and other != folder and other not in allowed:
             return "may not be called from there"
     elif quote == "<":
-        adapter = folder == "app" or folder.startswith("platform/")
+        adapter = folder in PROGRAMS or folder.startswith("platform/")
         if FOREIGN.match(target) and not adapter:
             return "a library of the adapters"
-        if target.startswith("nlohmann/") and folder != JSON_FOLDER:
-            return "only %s knows JSON" % JSON_FOLDER
+        if target.startswith("nlohmann/") and folder not in JSON_FOLDERS:
+            return "only %s know JSON" % " and ".join(JSON_FOLDERS)
     return None
 
 

@@ -24,6 +24,7 @@ TtyFacts usbAdapter()
     facts.hasParent = true;
     facts.parentSubsystem = "usb-serial";
     facts.parentDriver = "ftdi_sio";
+    facts.model = "FT232R_USB_UART";
     facts.serialNumber = "A1B2";
     facts.path = "pci-0000:00:14.0-usb-0:2:1.0";
     facts.bus = "usb";
@@ -217,6 +218,22 @@ TEST(SerialDevice, HasNoSuffixWithoutANumber)
 
     EXPECT_EQ(propertyOf(device, "", platform::kTTYBaseNameKey), "ttyprintk");
     EXPECT_EQ(propertyOf(device, "", platform::kTTYSuffixKey), "");
+}
+
+TEST(SerialDevice, HasTheNameAndTheSerialNumberOfItsAdapter)
+{
+    const auto device = serialDeviceOf(usbAdapter());
+
+    EXPECT_EQ(propertyOf(*device, "", platform::kAdapterNameKey), "FT232R USB UART");
+    EXPECT_EQ(propertyOf(*device, "", platform::kAdapterSerialNumberKey), "A1B2");
+}
+
+TEST(SerialDevice, HasNeitherNameNorSerialNumberWhereItsAdapterSaysNone)
+{
+    const auto device = serialDeviceOf(uart("4"));
+
+    EXPECT_EQ(propertyOf(*device, "", platform::kAdapterNameKey), std::nullopt);
+    EXPECT_EQ(propertyOf(*device, "", platform::kAdapterSerialNumberKey), std::nullopt);
 }
 
 } // namespace vorrano

@@ -5,9 +5,9 @@
 #include "platform/qt/QtGate.h"
 #include "platform/qt/QtLayouts.h"
 #include "platform/qt/QtMainLoop.h"
-#include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtOpenPanel.h"
 #include "platform/qt/QtPause.h"
+#include "platform/qtcore/QtMainQueue.h"
 #include "support/FakeSystem.h"
 
 #include <QDialog>

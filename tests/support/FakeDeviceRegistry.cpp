@@ -25,6 +25,8 @@ constexpr std::array kProperties = std::to_array<std::pair<std::string_view, Pro
     {platform::kTTYBaseNameKey, &DeviceProperties::baseName},
     {platform::kTTYSuffixKey, &DeviceProperties::suffix},
     {platform::kSerialClientTypeKey, &DeviceProperties::clientType},
+    {platform::kAdapterNameKey, &DeviceProperties::adapterName},
+    {platform::kAdapterSerialNumberKey, &DeviceProperties::adapterSerialNumber},
 });
 
 } // namespace

@@ -23,6 +23,8 @@ struct DeviceProperties {
     std::optional<std::string> baseName{};
     std::optional<std::string> suffix{};
     std::optional<std::string> clientType = "IOSerialStream";
+    std::optional<std::string> adapterName{};
+    std::optional<std::string> adapterSerialNumber{};
 };
 
 // A list of serial devices that a test plugs and unplugs. Events are delivered by the main queue, one task each. A

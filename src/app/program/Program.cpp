@@ -15,14 +15,15 @@
 #include "platform/posix/PosixPortAccess.h"
 #include "platform/posix/PosixSystemLog.h"
 #include "platform/posix/PosixTerminal.h"
+#include "platform/posix/StandardStreams.h"
 #include "platform/qt/QtAlerts.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtGate.h"
 #include "platform/qt/QtLayouts.h"
 #include "platform/qt/QtMainLoop.h"
-#include "platform/qt/QtMainQueue.h"
 #include "platform/qt/QtOpenPanel.h"
 #include "platform/qt/QtPause.h"
+#include "platform/qtcore/QtMainQueue.h"
 #include "serial/SerialPortManager.h"
 #include "session/GlobalVariables.h"
 
@@ -32,25 +33,12 @@
 #include <thread>
 #include <utility>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 namespace vorrano::program {
 
 namespace {
 
 // A control call that an unplugged adapter holds up fails after 5 s.
 constexpr std::chrono::seconds kLongestControlCall{6};
-
-// The serial layer takes 0 for "closed", so no port may get the number of a standard stream that the caller closed.
-void occupyStandardStreams()
-{
-    int descriptor = 0;
-    do {
-        descriptor = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-    ::close(descriptor);
-}
 
 // The objects that are one per process, once nothing calls them any more.
 void releaseProcessWideObjects()
@@ -138,7 +126,7 @@ Composition thisComputer(std::string serviceBaseUrl)
 
 int run(int argc, char** argv, const Composition& composition)
 {
-    occupyStandardStreams();
+    posix_platform::occupyStandardStreams();
     Adapters adapters(argc, argv, composition);
     std::optional<shell::VorranoAppDelegate> delegate(std::in_place);
     const int status = adapters.loop().run([&] { delegate->applicationDidFinishLaunching(); });

@@ -79,6 +79,11 @@ std::vector<std::string> calloutPathsOf(const TtyFacts& facts)
     return paths;
 }
 
+std::optional<std::string> textIfThereIsOne(const std::string& text)
+{
+    return text.empty() ? std::nullopt : std::optional(text);
+}
+
 } // namespace
 
 std::optional<SerialDevice> serialDeviceOf(const TtyFacts& facts)
@@ -93,7 +98,11 @@ std::optional<SerialDevice> serialDeviceOf(const TtyFacts& facts)
     if ((isUsbSerial(facts) || isCdcAcm(facts)) && !facts.initialized && !hasProperties) {
         return std::nullopt;
     }
-    return SerialDevice{facts.sysPath, facts.node, facts.name, calloutPathsOf(facts), facts.initializedAt};
+    // Udev writes "_" for each space of a model.
+    auto adapterName = facts.model;
+    std::replace(adapterName.begin(), adapterName.end(), '_', ' ');
+    return SerialDevice{facts.sysPath,       facts.node,  facts.name,        calloutPathsOf(facts),
+                        facts.initializedAt, adapterName, facts.serialNumber};
 }
 
 bool isSameDevice(const SerialDevice& first, const SerialDevice& second)
@@ -129,6 +138,12 @@ std::optional<std::string> propertyOf(const SerialDevice& device, const std::str
     }
     if (key == platform::kSerialClientTypeKey) {
         return "IOSerialStream";
+    }
+    if (key == platform::kAdapterNameKey) {
+        return textIfThereIsOne(device.adapterName);
+    }
+    if (key == platform::kAdapterSerialNumberKey) {
+        return textIfThereIsOne(device.serialNumber);
     }
     return std::nullopt;
 }

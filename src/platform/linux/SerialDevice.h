@@ -26,6 +26,7 @@ struct TtyFacts {
     std::string parentDriver;
     // The sysfs attribute "type" of a UART: "0" where there is no port; none when it can't be read.
     std::optional<std::string> uartType;
+    std::string model;
     std::string serialNumber;
     std::string path;
     std::string bus;
@@ -44,6 +45,8 @@ struct SerialDevice {
     std::vector<std::string> calloutPaths;
     // As in the facts.
     std::uint64_t initializedAt = 0;
+    std::string adapterName{};
+    std::string serialNumber{};
 };
 
 // Whether the two descriptions, read at different times, are of one device that stayed plugged in. A device that went

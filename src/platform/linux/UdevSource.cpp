@@ -119,6 +119,7 @@ TtyFacts UdevSource::factsOf(udev_device& device) const
     facts.node = textOf(udev_device_get_devnode(&device));
     facts.initialized = !m_daemonRuns || udev_device_get_is_initialized(&device) > 0;
     facts.initializedAt = numberOf<std::uint64_t>(property("USEC_INITIALIZED"));
+    facts.model = property("ID_MODEL");
     facts.serialNumber = property("ID_SERIAL_SHORT");
     facts.path = property("ID_PATH");
     facts.bus = property("ID_BUS");

@@ -2,7 +2,6 @@
 
 #include "platform/SystemLog.h"
 
-#include <string>
 #include <string_view>
 
 namespace vorrano::posix_platform {
@@ -14,8 +13,5 @@ public:
 
     void write(std::string_view line) override;
 };
-
-// The text on one line: control characters and bytes that are no UTF-8 as "\n", "\r", "\t" or "\x1b".
-[[nodiscard]] std::string escapedLine(std::string_view text);
 
 } // namespace vorrano::posix_platform

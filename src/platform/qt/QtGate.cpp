@@ -1,6 +1,6 @@
 #include "platform/qt/QtGate.h"
 
-#include "platform/qt/QtMainQueue.h"
+#include "platform/qtcore/QtMainQueue.h"
 
 #include <QApplication>
 #include <QWidget>

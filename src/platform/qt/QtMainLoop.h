@@ -12,6 +12,7 @@ namespace vorrano::qt {
 
 class QtGate;
 class QtMainQueue;
+class QtSignals;
 
 // The program's main loop, from the launch to an orderly end.
 //
@@ -34,15 +35,13 @@ public:
     void quit();
 
 private:
-    class Signals;
-
     void finish();
 
     QtMainQueue& m_queue;
     QtGate& m_gate;
     platform::NotificationCentre& m_centre;
     platform::SystemLog& m_log;
-    std::unique_ptr<Signals> m_signals;
+    std::unique_ptr<QtSignals> m_signals;
     bool m_quitting = false;
 };
 

@@ -1,7 +1,7 @@
 #include "platform/qt/QtPause.h"
 
 #include "platform/qt/QtGate.h"
-#include "platform/qt/QtMainQueue.h"
+#include "platform/qtcore/QtMainQueue.h"
 
 #include <QCoreApplication>
 

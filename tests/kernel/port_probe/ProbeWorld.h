@@ -4,7 +4,7 @@
 #include "platform/linux/UdevDeviceRegistry.h"
 #include "platform/posix/PosixSystemLog.h"
 #include "platform/posix/PosixTerminal.h"
-#include "platform/qt/QtMainQueue.h"
+#include "platform/qtcore/QtMainQueue.h"
 #include "support/SerialPlatform.h"
 
 #include <thread>

@@ -1,4 +1,4 @@
-#include "platform/qt/QtMainQueue.h"
+#include "platform/qtcore/QtMainQueue.h"
 
 #include "platform/Guarded.h"
 
