@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/DeviceExchange.h"
+#include "device/NoticeLine.h"
 #include "platform/BusyDisplay.h"
 #include "platform/Layouts.h"
 #include "platform/Subscription.h"
@@ -26,6 +27,8 @@ class SerialPortManager;
 
 namespace vorrano::device {
 
+class RefusedPort;
+
 // What stands in the path of a Vorrano's port, anywhere.
 inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 
@@ -33,7 +36,8 @@ inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 //
 // The port is the first listed whose path contains kVorranoPath, else the first listed. There is one port object for
 // each path, so tabs share it, and it has one delegate: the tab that took it last. A tab without a port goes on as
-// ever, only its bytes go nowhere.
+// ever, only its bytes go nowhere. A Vorrano's port that could not be opened is
+// tried again every second.
 //
 // Controls: the label connectionNoticeLabel, shown while the tab's commands reach no Vorrano; in a tab that uses the
 // progress display, loginProgressIndicator.
@@ -127,11 +131,12 @@ private:
     platform::Alerts& m_alerts;
     platform::NotificationCentre& m_notificationCentre;
     std::shared_ptr<platform::View> m_view;
-    platform::Label& m_connectionNoticeLabel;
+    NoticeLine m_connectionNotice;
     platform::BusyDisplay m_busyDisplay;
     std::shared_ptr<serial::SerialPortManager> m_portManager;
     std::vector<std::shared_ptr<serial::SerialPort>> m_availablePorts;
     std::shared_ptr<serial::SerialPort> m_serialPort;
+    std::shared_ptr<RefusedPort> m_refusedPort;
     platform::Subscription m_listObservation;
 };
 

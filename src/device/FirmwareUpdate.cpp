@@ -9,6 +9,7 @@
 #include "platform/OpenPanel.h"
 #include "platform/Pause.h"
 #include "platform/Platform.h"
+#include "platform/ScopeExit.h"
 #include "platform/StayAwake.h"
 #include "text/Text.h"
 #include "web/ServiceAddress.h"
@@ -38,13 +39,14 @@ std::string proceedQuestion()
 
 } // namespace
 
-FirmwareUpdate::FirmwareUpdate(FirmwareLine& line, platform::BusyDisplay& busyDisplay)
+FirmwareUpdate::FirmwareUpdate(FirmwareLine& line, platform::View& view, platform::BusyDisplay& busyDisplay)
     : m_line(line)
     , m_busyDisplay(busyDisplay)
     , m_alerts(Platform::current().alerts)
     , m_openPanel(Platform::current().openPanel)
     , m_pause(Platform::current().pause)
     , m_stayAwake(Platform::current().stayAwake)
+    , m_progress(view, m_pause)
 {}
 
 int FirmwareUpdate::ask(std::string question)
@@ -167,7 +169,11 @@ void FirmwareUpdate::writeImage()
     if (!image) {
         return;
     }
-    for (const auto line : linesOfImage(*image)) {
+    const auto lines = linesOfImage(*image);
+    m_progress.begin(lines.size(), kLinePause);
+    const platform::ScopeExit over([this] { m_progress.end(); });
+    for (const auto line : lines) {
+        m_progress.nextLine();
         for (const auto& character : charactersOfLine(line)) {
             m_line.writeAwaitingAck(character);
         }

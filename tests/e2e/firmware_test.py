@@ -1,5 +1,6 @@
 """A person gives the Vorrano new firmware."""
 import os
+import re
 
 from harness.firmware import (FINISHED, PC_CONNECTED, answer, begin, expect_image, expect_proceed_question, image_of,
                               wait_for_upload)
@@ -28,6 +29,31 @@ def AnImageIsSentAsItStands(world):
     assert world.vorrano.received == b"7bu" + image.replace("\n", "").encode()
     expect_image(world, image)
     wait_for("the new firmware", lambda: world.vorrano.device["firmwareVersion"] == "9.60")
+
+
+def ShowsHowFarTheImageHasCome(world):
+    open_utilities(world.program)
+    assert progress(world) == (None, None)
+
+    begin(world, image_of(40))
+    wait_for("the first tenth", lambda: world.vorrano.state["imageSize"] > 200)
+    bar, line = progress(world)
+    world.picture("progress")
+    before = bar.value
+    assert re.fullmatch(r"Line \d+ of 41, about 5 s left", line.name), line.name
+    wait_for("more of the image", lambda: bar.value > before)
+    assert not world.program.alerts(), "the upload was over too soon"
+
+    world.program.alert()
+    assert progress(world) == (None, None)
+    world.program.expect_alert(*FINISHED)
+    assert progress(world) == (None, None)
+
+
+def progress(world):
+    """The bar and the line of an upload, as far as they are on the screen."""
+    lines = [line for line in world.program.root.find_all("notification") if line.name.startswith("Line ")]
+    return world.program.look_for("progress bar", "Firmware upload"), lines[0] if lines else None
 
 
 @situation(started=False)

@@ -3,10 +3,12 @@
 #include "platform/qt/Spinner.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QCheckBox>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QtTest/QTest>
 
 #include <gmock/gmock.h>
@@ -154,6 +156,112 @@ TEST_F(Controls, LabelShowsAnotherTextAsItIs)
     EXPECT_EQ(shown.textFormat(), Qt::PlainText);
 }
 
+TEST_F(Controls, ProgressBarShowsHowMuchIsDone)
+{
+    const auto utilities = shown("UtilitiesViewController");
+    auto& bar = utilities->view()->progressBar("uploadProgressBar");
+    auto& widgetOfBar = widget<QProgressBar>(*utilities->view(), "uploadProgressBar");
+
+    bar.setProgress(512, 2000);
+    EXPECT_EQ(widgetOfBar.value(), 512);
+    EXPECT_EQ(widgetOfBar.maximum(), 2000);
+
+    bar.setProgress(1, 2);
+    EXPECT_EQ(widgetOfBar.value(), 1);
+    EXPECT_EQ(widgetOfBar.maximum(), 2);
+}
+
+TEST_F(Controls, ProgressBarTellsTheBusHowMuchIsDone)
+{
+    const auto utilities = shown("UtilitiesViewController");
+    auto& widgetOfBar = widget<QProgressBar>(*utilities->view(), "uploadProgressBar");
+
+    utilities->view()->progressBar("uploadProgressBar").setProgress(512, 2000);
+
+    auto* const accessible = QAccessible::queryAccessibleInterface(&widgetOfBar);
+    EXPECT_EQ(accessible->role(), QAccessible::ProgressBar);
+    EXPECT_EQ(accessible->text(QAccessible::Name), "Firmware upload");
+    EXPECT_EQ(accessible->valueInterface()->currentValue().toInt(), 512);
+    EXPECT_EQ(accessible->valueInterface()->maximumValue().toInt(), 2000);
+}
+
+// What a screen reader reads out: notifications that come to the screen.
+class Announcements : public Controls {
+protected:
+    Announcements()
+    {
+        s_heard = &m_heard;
+        QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
+            const auto* const accessible = event->accessibleInterface();
+            if (event->type() == QAccessible::ObjectShow && accessible != nullptr &&
+                accessible->role() == QAccessible::Notification) {
+                s_heard->push_back(accessible->text(QAccessible::Name).toStdString());
+            }
+        });
+    }
+    ~Announcements() override { QAccessible::installUpdateHandler(nullptr); }
+
+    [[nodiscard]] const std::vector<std::string>& heard() const { return m_heard; }
+
+    platform::Label& notice = view.label("connectionNoticeLabel");
+
+private:
+    static inline std::vector<std::string>* s_heard = nullptr;
+    std::vector<std::string> m_heard;
+};
+
+TEST_F(Announcements, ANoticeIsReadOutWhenItAppears)
+{
+    notice.setHidden(true);
+
+    notice.setText("The kettle is in use.");
+    notice.setHidden(false);
+
+    EXPECT_THAT(heard(), ElementsAre("The kettle is in use."));
+}
+
+TEST_F(Announcements, ANoticeIsReadOutWithItsScreen)
+{
+    const auto other = layouts.loadWindow("RegisterVorranoViewController");
+    other->view()->label("connectionNoticeLabel").setText("The kettle is in use.");
+    EXPECT_THAT(heard(), IsEmpty());
+
+    other->show();
+
+    EXPECT_THAT(heard(), ElementsAre("The kettle is in use."));
+}
+
+TEST_F(Announcements, AChangedTextIsReadOutWhenItIsAnnounced)
+{
+    notice.setText("The kettle is in use.");
+    EXPECT_THAT(heard(), IsEmpty());
+
+    notice.announce();
+
+    EXPECT_THAT(heard(), ElementsAre("The kettle is in use."));
+}
+
+TEST_F(Announcements, AHiddenNoticeIsNotReadOut)
+{
+    notice.setHidden(true);
+    notice.setText("The kettle is in use.");
+
+    notice.announce();
+
+    EXPECT_THAT(heard(), IsEmpty());
+}
+
+TEST_F(Announcements, TheProgressOfAnUploadIsReadOutLikeANotice)
+{
+    const auto utilities = shown("UtilitiesViewController");
+    auto& progress = utilities->view()->label("uploadProgressLabel");
+    progress.setText("Line 1 of 2");
+
+    progress.announce();
+
+    EXPECT_EQ(heard().back(), "Line 1 of 2");
+}
+
 TEST_F(Controls, ConnectionNoticeStaysLegibleOnADimmedScreen)
 {
     for (const auto* const layout :
@@ -169,6 +277,26 @@ TEST_F(Controls, ConnectionNoticeStaysLegibleOnADimmedScreen)
         screen->setAlpha(0.3);
 
         EXPECT_EQ(darkest(root.grab(place).toImage()), before) << layout;
+    }
+}
+
+TEST_F(Controls, ProgressOfAnUploadStaysLegibleInsideADimmedBox)
+{
+    const auto screen = layouts.loadView("UtilitiesViewController");
+    screen->progressBar("uploadProgressBar").setProgress(1, 2);
+    screen->label("uploadProgressLabel").setText("Line 1 of 2");
+    auto& root = dynamic_cast<QtView&>(*screen).root();
+    root.resize(root.sizeHint());
+    root.show();
+    for (const auto* const name : {"uploadProgressBar", "uploadProgressLabel"}) {
+        const auto& control = widget<QWidget>(*screen, name);
+        const QRect place(control.mapTo(&root, QPoint()), control.size());
+        screen->setAlpha(1.0);
+        const QImage before = root.grab(place).toImage();
+
+        screen->setAlpha(0.3);
+
+        EXPECT_EQ(root.grab(place).toImage(), before) << name;
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QLabel>
 #include <QPointer>
 
 #include <vector>
@@ -164,6 +165,23 @@ private:
     const QWidget& m_window;
 };
 
+// A line that is read out when it appears.
+class NoticeAccessible final : public QAccessibleWidget {
+public:
+    explicit NoticeAccessible(QLabel& label)
+        : QAccessibleWidget(&label, QAccessible::Notification)
+        , m_label(label)
+    {}
+
+    QString text(QAccessible::Text kind) const override
+    {
+        return kind == QAccessible::Name ? m_label.text() : QAccessibleWidget::text(kind);
+    }
+
+private:
+    const QLabel& m_label;
+};
+
 class SpinnerAccessible final : public QAccessibleWidget {
 public:
     explicit SpinnerAccessible(Spinner& spinner)
@@ -189,6 +207,9 @@ QAccessibleInterface* makeAccessible(const QString&, QObject* object)
     }
     if (auto* const spinner = dynamic_cast<Spinner*>(object)) {
         return new SpinnerAccessible(*spinner);
+    }
+    if (auto* const label = dynamic_cast<QLabel*>(object); label != nullptr && label->property("announced").toBool()) {
+        return new NoticeAccessible(*label);
     }
     auto* const widget = dynamic_cast<QWidget*>(object);
     if (widget != nullptr && widget->metaObject() == &QWidget::staticMetaObject) {
