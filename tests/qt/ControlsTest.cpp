@@ -185,81 +185,23 @@ TEST_F(Controls, ProgressBarTellsTheBusHowMuchIsDone)
     EXPECT_EQ(accessible->valueInterface()->maximumValue().toInt(), 2000);
 }
 
-// What a screen reader reads out: notifications that come to the screen.
-class Announcements : public Controls {
-protected:
-    Announcements()
-    {
-        s_heard = &m_heard;
-        QAccessible::installUpdateHandler([](QAccessibleEvent* event) {
-            const auto* const accessible = event->accessibleInterface();
-            if (event->type() == QAccessible::ObjectShow && accessible != nullptr &&
-                accessible->role() == QAccessible::Notification) {
-                s_heard->push_back(accessible->text(QAccessible::Name).toStdString());
-            }
-        });
-    }
-    ~Announcements() override { QAccessible::installUpdateHandler(nullptr); }
-
-    [[nodiscard]] const std::vector<std::string>& heard() const { return m_heard; }
-
-    platform::Label& notice = view.label("connectionNoticeLabel");
-
-private:
-    static inline std::vector<std::string>* s_heard = nullptr;
-    std::vector<std::string> m_heard;
-};
-
-TEST_F(Announcements, ANoticeIsReadOutWhenItAppears)
+TEST_F(Controls, LinesThatAreReadOutAreNotificationsToTheBus)
 {
-    notice.setHidden(true);
+    const auto expectNotification = [this](const char* layout, const char* name) {
+        const auto screen = layouts.loadView(layout);
+        auto& label = widget<QLabel>(*screen, name);
 
-    notice.setText("The kettle is in use.");
-    notice.setHidden(false);
+        screen->label(name).setText("The kettle is in use.");
 
-    EXPECT_THAT(heard(), ElementsAre("The kettle is in use."));
-}
+        auto* const accessible = QAccessible::queryAccessibleInterface(&label);
+        EXPECT_EQ(accessible->role(), QAccessible::Notification) << layout << " " << name;
+        EXPECT_EQ(accessible->text(QAccessible::Name), "The kettle is in use.") << layout << " " << name;
+    };
 
-TEST_F(Announcements, ANoticeIsReadOutWithItsScreen)
-{
-    const auto other = layouts.loadWindow("RegisterVorranoViewController");
-    other->view()->label("connectionNoticeLabel").setText("The kettle is in use.");
-    EXPECT_THAT(heard(), IsEmpty());
-
-    other->show();
-
-    EXPECT_THAT(heard(), ElementsAre("The kettle is in use."));
-}
-
-TEST_F(Announcements, AChangedTextIsReadOutWhenItIsAnnounced)
-{
-    notice.setText("The kettle is in use.");
-    EXPECT_THAT(heard(), IsEmpty());
-
-    notice.announce();
-
-    EXPECT_THAT(heard(), ElementsAre("The kettle is in use."));
-}
-
-TEST_F(Announcements, AHiddenNoticeIsNotReadOut)
-{
-    notice.setHidden(true);
-    notice.setText("The kettle is in use.");
-
-    notice.announce();
-
-    EXPECT_THAT(heard(), IsEmpty());
-}
-
-TEST_F(Announcements, TheProgressOfAnUploadIsReadOutLikeANotice)
-{
-    const auto utilities = shown("UtilitiesViewController");
-    auto& progress = utilities->view()->label("uploadProgressLabel");
-    progress.setText("Line 1 of 2");
-
-    progress.announce();
-
-    EXPECT_EQ(heard().back(), "Line 1 of 2");
+    expectNotification("RegisterVorranoViewController", "connectionNoticeLabel");
+    expectNotification("WifiSetupViewController", "connectionNoticeLabel");
+    expectNotification("UtilitiesViewController", "connectionNoticeLabel");
+    expectNotification("UtilitiesViewController", "uploadProgressLabel");
 }
 
 TEST_F(Controls, ConnectionNoticeStaysLegibleOnADimmedScreen)
