@@ -36,11 +36,11 @@ inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 //
 // The port is the first listed whose path contains kVorranoPath, else the first listed. There is one port object for
 // each path, so tabs share it, and it has one delegate: the tab that took it last. A tab without a port goes on as
-// ever, only its bytes go nowhere. A Vorrano's port that could not be opened is
-// tried again every second.
+// ever, only its bytes go nowhere.
 //
 // Controls: the label connectionNoticeLabel, shown while the tab's commands reach no Vorrano; in a tab that uses the
 // progress display, loginProgressIndicator.
+// A Vorrano's port that could not be opened is tried again every second, see RefusedPort.
 // Threads: the main thread; the last reference may fall on any.
 // Lifetime: the setup window's, until the tab is chosen again. Destruction neither closes the port nor takes it away
 // from its delegate, as another tab may have both by then.

@@ -40,15 +40,12 @@ void RefusedPort::follow(std::shared_ptr<serial::SerialPort> port)
         m_failures = m_port->observe(serial::kOpenErrorKey, [this] { update(); });
         m_opens = m_port->observe("isOpen", [this] { update(); });
     }
-    m_refusal = refusalWith(openError());
-    lookLater();
+    m_refusal.reset();
 }
-
-std::optional<int> RefusedPort::openError() const { return m_port ? m_port->openError() : std::nullopt; }
 
 void RefusedPort::update()
 {
-    const auto error = openError();
+    const auto error = m_port->openError();
     const auto before = m_refusal ? std::optional(m_refusal->error) : std::nullopt;
     if (error != before) {
         m_refusal = refusalWith(error);

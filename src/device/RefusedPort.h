@@ -31,7 +31,8 @@ public:
     [[nodiscard]] static std::shared_ptr<RefusedPort> create(const serial::SerialPortDelegate& tab,
                                                              std::function<void()> changed);
 
-    // From now on this port; null for none. The caller looks at refusal() afterwards: `changed` is for what comes later.
+    // From now on this port, which the caller opens afterwards; null for none. refusal() is none then, without a call
+    // of `changed`.
     void follow(std::shared_ptr<serial::SerialPort> port);
 
     // None for a port that is open, or was not opened yet.
@@ -40,7 +41,6 @@ public:
 private:
     RefusedPort(const serial::SerialPortDelegate& tab, std::function<void()> changed);
 
-    [[nodiscard]] std::optional<int> openError() const;
     void update();
     [[nodiscard]] std::optional<PortRefusal> refusalWith(std::optional<int> error) const;
     void lookLater();

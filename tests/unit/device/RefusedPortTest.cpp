@@ -153,6 +153,37 @@ TEST_F(ARefusedPort, IsNotLookedAtAnyMoreOnceItIsOpen)
     EXPECT_EQ(opens(), 2U);
 }
 
+TEST_F(ARefusedPort, IsNotLookedAtAfterAnotherWayToOpenIt)
+{
+    auto& line = chooseTabWithPortInUse();
+    world.advance(500ms);
+    line.setHeldByAnother(false);
+    // Every device that is plugged in makes the connection anew.
+    world.plugSerialDevice("/dev/ttyS0");
+    world.run();
+    ASSERT_TRUE(line.isOpen());
+    tab->serialPort()->close();
+
+    world.advance(60s);
+
+    EXPECT_EQ(opens(), 2U);
+}
+
+TEST_F(ARefusedPort, IsNotReportedWithTheProgramThatUsedThePortBefore)
+{
+    world.portAccess.setUser(kPath, "kettle");
+    auto& line = chooseTabWithPortInUse();
+    ASSERT_EQ(notice(), kInUseByKettle);
+    world.unplug(line);
+    world.advance(200ms);
+
+    world.terminal.failNext(TerminalCall::Open, EBUSY);
+    world.plugVorrano("C3D4");
+    world.run();
+
+    EXPECT_EQ(notice(), kInUse);
+}
+
 TEST_F(ARefusedPort, IsNotLookedAtWhereNothingIsWrong)
 {
     chooseTabWithVorrano();

@@ -32,21 +32,20 @@ TEST_P(UploadProgressText, TellsTheLineAndTheTimeThatIsLeft)
     EXPECT_EQ(uploadProgressText(line, lines, left), text);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Table, UploadProgressText,
-    testing::Values(TextCase{512, 2000, 148900ms, "Line 512 of 2,000, about 2 min 30 s left"},
-                    TextCase{1, 1, 0s, "Line 1 of 1, about 5 s left"},
-                    TextCase{1, 50, 5s, "Line 1 of 50, about 5 s left"},
-                    TextCase{1, 51, 7499ms, "Line 1 of 51, about 5 s left"},
-                    TextCase{1, 51, 7500ms, "Line 1 of 51, about 10 s left"},
-                    TextCase{400, 999, 57500ms, "Line 400 of 999, about 1 min left"},
-                    TextCase{1, 1000, 60s, "Line 1 of 1,000, about 1 min left"},
-                    TextCase{1234, 3456, 222300ms, "Line 1,234 of 3,456, about 3 min 40 s left"},
-                    TextCase{1, 36000, 3600s, "Line 1 of 36,000, about 1 h left"},
-                    TextCase{1, 36600, 3660s, "Line 1 of 36,600, about 1 h 1 min left"},
-                    TextCase{1, 36890, 3689s, "Line 1 of 36,890, about 1 h 1 min left"},
-                    TextCase{1, 36900, 3690s, "Line 1 of 36,900, about 1 h 2 min left"},
-                    TextCase{1, 2000000, 200000s, "Line 1 of 2,000,000, about 55 h 33 min left"}));
+INSTANTIATE_TEST_SUITE_P(Table, UploadProgressText,
+                         testing::Values(TextCase{512, 2000, 148900ms, "Line 512 of 2,000, about 2 min 30 s left"},
+                                         TextCase{1, 1, 0s, "Line 1 of 1, about 5 s left"},
+                                         TextCase{1, 50, 5s, "Line 1 of 50, about 5 s left"},
+                                         TextCase{1, 51, 7499ms, "Line 1 of 51, about 5 s left"},
+                                         TextCase{1, 51, 7500ms, "Line 1 of 51, about 10 s left"},
+                                         TextCase{400, 999, 57500ms, "Line 400 of 999, about 1 min left"},
+                                         TextCase{1, 1000, 60s, "Line 1 of 1,000, about 1 min left"},
+                                         TextCase{1234, 3456, 222300ms, "Line 1,234 of 3,456, about 3 min 40 s left"},
+                                         TextCase{1, 36000, 3600s, "Line 1 of 36,000, about 1 h left"},
+                                         TextCase{1, 36600, 3660s, "Line 1 of 36,600, about 1 h 1 min left"},
+                                         TextCase{1, 36890, 3689s, "Line 1 of 36,890, about 1 h 1 min left"},
+                                         TextCase{1, 36900, 3690s, "Line 1 of 36,900, about 1 h 2 min left"},
+                                         TextCase{1, 2000000, 200000s, "Line 1 of 2,000,000, about 55 h 33 min left"}));
 
 // What is on the screen at a moment; no line while it is hidden.
 struct Seen {
