@@ -167,7 +167,8 @@ class Tour:
         self.picture("firmware-file", "The file is chosen.")
         program.press("Open")
         wait_for("half of the image", lambda: self.vorrano.state["imageSize"] > 500)
-        self.passing_picture("firmware-upload", "The new firmware is on its way; the Vorrano shows how much has come.")
+        self.passing_picture("firmware-upload",
+                             "The new firmware is on its way; the program and the Vorrano show how much has come.")
         self.alert(*FINISHED, "firmware-finished", "The update has finished.")
         wait_for("the new firmware", lambda: self.vorrano.state["mode"] == "normal" and
                  self.vorrano.device["firmwareVersion"] == "9.60")

@@ -3,6 +3,7 @@
 #include "device/ConnectionNotice.h"
 #include "device/DeviceRequests.h"
 #include "device/DeviceTexts.h"
+#include "device/RefusedPort.h"
 #include "platform/NotificationCentre.h"
 #include "platform/OkAlert.h"
 #include "platform/Platform.h"
@@ -28,8 +29,9 @@ DeviceTabController::DeviceTabController(std::string_view layoutName)
     : m_alerts(Platform::current().alerts)
     , m_notificationCentre(Platform::current().notificationCentre)
     , m_view(Platform::current().layouts.loadView(layoutName))
-    , m_connectionNoticeLabel(m_view->label("connectionNoticeLabel"))
+    , m_connectionNotice(m_view->label("connectionNoticeLabel"))
     , m_busyDisplay(*m_view)
+    , m_refusedPort(RefusedPort::create(*this, [this] { updateConnectionNotice(); }))
 {}
 
 DeviceTabController::~DeviceTabController() = default;
@@ -80,6 +82,8 @@ void DeviceTabController::setSerialPort(std::shared_ptr<SerialPort> port)
     if (m_serialPort) {
         m_serialPort->setDelegate(weak_from_this());
     }
+    // Another kind of device is no business of this program's: its port is tried once, and not reported.
+    m_refusedPort->follow(m_serialPort && isVorrano(m_serialPort) ? m_serialPort : nullptr);
 }
 
 void DeviceTabController::serialPortWasRemovedFromSystem(SerialPort&)
@@ -100,11 +104,10 @@ platform::Subscription DeviceTabController::observeConnections()
 void DeviceTabController::updateConnectionNotice()
 {
     const auto& ports = m_portManager->availablePorts();
-    const auto notice =
+    m_connectionNotice.show(
         connectionNotice({.isVorranoListed = std::any_of(ports.begin(), ports.end(), isVorrano),
-                          .isPortListed = std::find(ports.begin(), ports.end(), m_serialPort) != ports.end()});
-    m_connectionNoticeLabel.setText(std::string(notice.value_or("")));
-    m_connectionNoticeLabel.setHidden(!notice);
+                          .isPortListed = std::find(ports.begin(), ports.end(), m_serialPort) != ports.end(),
+                          .refusal = m_refusedPort->refusal()}));
 }
 
 void DeviceTabController::connectQuery(std::string_view button, DeviceCommand command)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "device/DeviceExchange.h"
+#include "device/NoticeLine.h"
 #include "device/VorranoPort.h"
 #include "platform/BusyDisplay.h"
 #include "platform/Layouts.h"
@@ -27,6 +28,8 @@ class SerialPortManager;
 
 namespace vorrano::device {
 
+class RefusedPort;
+
 // What the tabs that talk to the device have in common: the connection to its port, the progress display, the alerts.
 //
 // The port is the first listed whose path contains kVorranoPath, else the first listed. There is one port object for
@@ -35,6 +38,7 @@ namespace vorrano::device {
 //
 // Controls: the label connectionNoticeLabel, shown while the tab's commands reach no Vorrano; in a tab that uses the
 // progress display, loginProgressIndicator.
+// A Vorrano's port that could not be opened is tried again every second, see RefusedPort.
 // Threads: the main thread; the last reference may fall on any.
 // Lifetime: the setup window's, until the tab is chosen again. Destruction neither closes the port nor takes it away
 // from its delegate, as another tab may have both by then.
@@ -126,11 +130,12 @@ private:
     platform::Alerts& m_alerts;
     platform::NotificationCentre& m_notificationCentre;
     std::shared_ptr<platform::View> m_view;
-    platform::Label& m_connectionNoticeLabel;
+    NoticeLine m_connectionNotice;
     platform::BusyDisplay m_busyDisplay;
     std::shared_ptr<serial::SerialPortManager> m_portManager;
     std::vector<std::shared_ptr<serial::SerialPort>> m_availablePorts;
     std::shared_ptr<serial::SerialPort> m_serialPort;
+    std::shared_ptr<RefusedPort> m_refusedPort;
     platform::Subscription m_listObservation;
 };
 

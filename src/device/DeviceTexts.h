@@ -14,6 +14,19 @@ inline constexpr std::string_view kNoVorranoConnected = "No Vorrano is connected
 inline constexpr std::string_view kVorranoInUseUnplugged =
     "The Vorrano in use was unplugged. Another one is connected: choose this tab again to use it.";
 
+inline constexpr std::string_view kPortNotAllowed =
+    "You are not allowed to use the Vorrano's port. Install the package of Vorrano Setup";
+// The name of the group stands between the two.
+inline constexpr std::string_view kOrJoinGroupBegin = ", or become a member of the group “";
+inline constexpr std::string_view kOrJoinGroupEnd = "” and log in again.";
+// The name of the program stands between the two.
+inline constexpr std::string_view kPortInUseByBegin = "The program “";
+inline constexpr std::string_view kPortInUseByEnd = "” is using the Vorrano's port. Close it to go on here.";
+inline constexpr std::string_view kPortInUse = "Another program is using the Vorrano's port. Close it to go on here.";
+// Followed by the system's text for the error.
+inline constexpr std::string_view kPortNotOpened = "The Vorrano's port could not be opened: ";
+inline constexpr std::string_view kSentenceEnd = ".";
+
 inline constexpr std::string_view kNoSSID = "Please enter a valid SSID";
 inline constexpr std::string_view kSSIDTooLong = "Network SSID cannot be greater than 32 characters";
 inline constexpr std::string_view kSSIDHasDollarSign =

@@ -22,6 +22,14 @@ inline constexpr std::string_view kProblemUploading = "Encountered problem with 
 inline constexpr std::string_view kProblemDuringImage = "Problem encountered during final bootloader sequence";
 // Shown by a desktop to the person who wants the computer to sleep meanwhile.
 inline constexpr std::string_view kUploading = "The firmware of the Vorrano is being updated";
+// "Line 512 of 2,000, about 2 min 30 s left"
+inline constexpr std::string_view kProgressLine = "Line ";
+inline constexpr std::string_view kProgressOf = " of ";
+inline constexpr std::string_view kProgressAbout = ", about ";
+inline constexpr std::string_view kProgressHours = " h ";
+inline constexpr std::string_view kProgressMinutes = " min ";
+inline constexpr std::string_view kProgressSeconds = " s ";
+inline constexpr std::string_view kProgressLeft = "left";
 inline constexpr std::string_view kFinished = "Finished Updating Firmware";
 
 } // namespace vorrano::device::firmware_text

@@ -9,6 +9,7 @@
 #include "platform/OpenPanel.h"
 #include "platform/Pause.h"
 #include "platform/Platform.h"
+#include "platform/ScopeExit.h"
 #include "platform/StayAwake.h"
 #include "text/Text.h"
 #include "web/ServiceAddress.h"
@@ -34,13 +35,14 @@ std::string proceedQuestion()
 
 } // namespace
 
-FirmwareUpdate::FirmwareUpdate(FirmwareLine& line, platform::BusyDisplay& busyDisplay)
+FirmwareUpdate::FirmwareUpdate(FirmwareLine& line, platform::View& view, platform::BusyDisplay& busyDisplay)
     : m_line(line)
     , m_busyDisplay(busyDisplay)
     , m_alerts(Platform::current().alerts)
     , m_openPanel(Platform::current().openPanel)
     , m_pause(Platform::current().pause)
     , m_stayAwake(Platform::current().stayAwake)
+    , m_progress(view, m_pause)
 {}
 
 int FirmwareUpdate::ask(std::string question)
@@ -160,10 +162,17 @@ void FirmwareUpdate::UpdateFirmwareWrite2()
 void FirmwareUpdate::writeImage()
 {
     const auto image = readFirmwareImage(m_filename);
-    if (image) {
-        sendImage(*image, {.write = [this](const std::string& character) { m_line.writeAwaitingAck(character); },
-                           .pause = [this] { m_pause.pause(kPauseAfterLine); }});
+    if (!image) {
+        return;
     }
+    m_progress.begin(linesOfImage(*image).size(), kPauseAfterLine);
+    const platform::ScopeExit over([this] { m_progress.end(); });
+    sendImage(*image, {.write = [this](const std::string& character) { m_line.writeAwaitingAck(character); },
+                       .pause =
+                           [this] {
+                               m_progress.nextLine();
+                               m_pause.pause(kPauseAfterLine);
+                           }});
 }
 
 } // namespace vorrano::device

@@ -2,6 +2,7 @@
 
 #include "device/DeviceCommand.h"
 #include "device/LatestFirmware.h"
+#include "device/UploadProgress.h"
 #include "serial/SerialRequest.h"
 
 #include <filesystem>
@@ -15,6 +16,7 @@ class BusyDisplay;
 class OpenPanel;
 class Pause;
 class StayAwake;
+class View;
 } // namespace vorrano::platform
 
 namespace vorrano::device {
@@ -44,11 +46,12 @@ enum class BootloaderSequence { None, One, Two, Three };
 //
 // The step is never cleared: after an update that failed, the tab goes on reading every chunk as at that step.
 // It is the controller's: choosing the tab again makes a new controller, which begins without a step.
+// Controls: those of UploadProgress.
 // Threads: the main thread, which the check and the upload hold with their pauses.
 // Lifetime: its tab's, which is the line.
 class FirmwareUpdate {
 public:
-    FirmwareUpdate(FirmwareLine& line, platform::BusyDisplay& busyDisplay);
+    FirmwareUpdate(FirmwareLine& line, platform::View& view, platform::BusyDisplay& busyDisplay);
 
     void buttonUpdateFirmware();
 
@@ -83,6 +86,7 @@ private:
     platform::OpenPanel& m_openPanel;
     platform::Pause& m_pause;
     platform::StayAwake& m_stayAwake;
+    UploadProgress m_progress;
     LatestFirmware m_latestFirmware;
     bool m_readVersion = false;
     BootloaderSequence m_bootloaderSequence = BootloaderSequence::None;

@@ -31,7 +31,7 @@ UtilitiesViewController::UtilitiesViewController()
     , m_setThrottleTextField(view()->textField("setThrottleTextField"))
     , m_temperatureDisplayUnitButton(view()->popUpButton("temperatureDisplayUnitButton"))
     , m_replies(m_exchange)
-    , m_firmwareUpdate(*this, busyDisplay())
+    , m_firmwareUpdate(*this, *view(), busyDisplay())
 {}
 
 void UtilitiesViewController::connectActions()

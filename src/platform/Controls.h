@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -72,10 +73,21 @@ public:
     [[nodiscard]] virtual bool isAnimating() const = 0;
 };
 
+// How much of something is done; empty at first.
+class ProgressBar : public virtual Control {
+public:
+    // `done` of `all`, which is 1 or more.
+    virtual void setProgress(std::size_t done, std::size_t all) = 0;
+};
+
 // A text that the person only reads: the layout's own, until the program sets another.
 class Label : public virtual Control {
 public:
     virtual void setText(const std::string& text) = 0;
+
+    // Lets a screen reader read the text out. For a label of the layout's that is marked as announced, and on the
+    // screen already: it is read out by itself when it appears.
+    virtual void announce() = 0;
 };
 
 class View;

@@ -31,6 +31,7 @@ public:
     [[nodiscard]] virtual TextField& textField(std::string_view name) = 0;
     [[nodiscard]] virtual PopUpButton& popUpButton(std::string_view name) = 0;
     [[nodiscard]] virtual ProgressIndicator& progressIndicator(std::string_view name) = 0;
+    [[nodiscard]] virtual ProgressBar& progressBar(std::string_view name) = 0;
     [[nodiscard]] virtual Label& label(std::string_view name) = 0;
     [[nodiscard]] virtual TabView& tabView(std::string_view name) = 0;
 

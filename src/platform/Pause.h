@@ -15,6 +15,9 @@ public:
 
     // Not shorter than `duration`.
     virtual void pause(std::chrono::nanoseconds duration) = 0;
+
+    // The clock that pauses go by; it has no meaning but by its differences. Any thread.
+    [[nodiscard]] virtual std::chrono::nanoseconds now() const = 0;
 };
 
 } // namespace vorrano::platform

@@ -9,7 +9,7 @@ namespace vorrano::platform {
 //
 // Paths are callout paths; one that no present device has is neither permitted nor in use. Every answer is about the
 // moment of the question.
-// Threads: any. Neither call opens the device.
+// Threads: any. No call opens the device.
 class PortAccess {
 public:
     PortAccess() = default;
@@ -20,6 +20,10 @@ public:
     // Whether the permissions of the device let this program read and write it. Takes some microseconds; a look every
     // second finds a change.
     [[nodiscard]] virtual bool isPermitted(const std::string& path) const = 0;
+
+    // The name of the group whose members may read and write the device; none where the permissions let no group, or
+    // the group of the administrator alone. Asks the system's list of groups, which may be on a network.
+    [[nodiscard]] virtual std::optional<std::string> groupThatMayUse(const std::string& path) const = 0;
 
     // The name of a program, other than this one, that has the device open: without control characters, and 15 bytes at
     // most, which may cut a UTF-8 character in two. None where nobody has it open, and where the system does not show

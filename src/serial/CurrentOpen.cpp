@@ -16,6 +16,12 @@ std::uint64_t CurrentOpen::number() const
     return m_number;
 }
 
+std::optional<int> CurrentOpen::openError() const
+{
+    const platform::MutexLock lock(m_mutex);
+    return m_openError;
+}
+
 bool CurrentOpen::beginOpen()
 {
     const platform::MutexLock lock(m_mutex);
@@ -30,14 +36,16 @@ CurrentOpen::Pointer CurrentOpen::setOpened(platform::Terminal& terminal, int de
 {
     const platform::MutexLock lock(m_mutex);
     m_isOpening = false;
+    m_openError = std::nullopt;
     m_open = std::make_shared<OpenPort>(terminal, descriptor, ++m_number);
     return m_open;
 }
 
-void CurrentOpen::setOpenFailed()
+void CurrentOpen::setOpenFailed(int error)
 {
     const platform::MutexLock lock(m_mutex);
     m_isOpening = false;
+    m_openError = error;
 }
 
 CurrentOpen::Pointer CurrentOpen::beginClose(std::optional<std::uint64_t> number)

@@ -29,6 +29,9 @@ namespace vorrano::serial {
 
 class RequestQueue;
 
+// For SerialPort::observe(): each open() that failed, also when it failed as the one before.
+inline constexpr std::string_view kOpenErrorKey = "openError";
+
 // A serial port: opens and sets up its device, reads it in the background, writes, mirrors the modem lines, notices
 // that the device is gone, and exchanges requests for responses, one at a time. It reports all of this to one delegate.
 //
@@ -104,6 +107,8 @@ public:
     [[nodiscard]] bool isOpen() const { return fileDescriptor() != 0; }
     // 0 while closed.
     [[nodiscard]] int fileDescriptor() const;
+    // The errno of the last open(), if that one failed. Any thread.
+    [[nodiscard]] std::optional<int> openError() const;
 
     // Writes all bytes; blocks until they are out. False on a closed port, and when a write failed.
     bool sendData(const Bytes& data);
@@ -156,7 +161,8 @@ public:
     [[nodiscard]] bool DCD() const { return m_lines.dcd.isOn; }
 
     // Calls back after each change of "fileDescriptor", "isOpen" (on the thread that opened or closed), "CTS", "DSR" or
-    // "DCD" (main thread). The subscription may outlive the port.
+    // "DCD" (main thread), and after each open() that failed ("openError", on the thread that opened). The subscription
+    // may outlive the port.
     [[nodiscard]] platform::Subscription observe(std::string_view key, std::function<void()> told);
 
 private:

@@ -11,6 +11,8 @@
 // Opening and closing, and what happens in between.
 namespace vorrano::serial {
 
+std::optional<int> SerialPort::openError() const { return m_open.openError(); }
+
 int SerialPort::fileDescriptor() const
 {
     const auto open = m_open.get();
@@ -24,8 +26,9 @@ void SerialPort::open()
     }
     const auto opened = m_terminal.open(m_path);
     if (opened.failed() || opened.value <= 0) {
-        m_open.setOpenFailed();
-        m_delegate.notifyDelegateOfPosixError(opened.error);
+        m_open.setOpenFailed(opened.error);
+        inAnyCase([&] { m_delegate.notifyDelegateOfPosixError(opened.error); },
+                  [&] { m_observers.tell(kOpenErrorKey); });
         return;
     }
     m_terminal.setStatusFlags(opened.value, 0);

@@ -203,6 +203,15 @@ double doubleValue(std::string_view text)
     return negative ? -value : value;
 }
 
+std::string groupedDecimal(std::uint64_t value)
+{
+    auto digits = std::to_string(value);
+    for (auto place = static_cast<std::ptrdiff_t>(digits.size()) - 3; place > 0; place -= 3) {
+        digits.insert(digits.begin() + place, ',');
+    }
+    return digits;
+}
+
 std::int32_t saturatingInt32(double value)
 {
     if (std::isnan(value)) {

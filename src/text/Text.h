@@ -27,6 +27,9 @@ namespace vorrano::text {
 // is none. No hexadecimal, infinity or NaN.
 [[nodiscard]] double doubleValue(std::string_view text);
 
+// In decimal, with a comma before every third digit from the end: "2,000".
+[[nodiscard]] std::string groupedDecimal(std::uint64_t value);
+
 // Toward zero; what does not fit becomes the nearest that does, NaN becomes 0.
 [[nodiscard]] std::int32_t saturatingInt32(double value);
 

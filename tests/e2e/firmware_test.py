@@ -1,5 +1,6 @@
 """A person gives the Vorrano new firmware."""
 import os
+import re
 
 from harness.firmware import (FINISHED, PC_CONNECTED, answer, begin, expect_image, expect_proceed_question, image_of,
                               wait_for_upload)
@@ -28,6 +29,32 @@ def AnImageIsSentAsItStands(world):
     assert world.vorrano.received == b"7bu" + image.replace("\n", "").encode()
     expect_image(world, image)
     wait_for("the new firmware", lambda: world.vorrano.device["firmwareVersion"] == "9.60")
+
+
+def ShowsHowFarTheImageHasCome(world):
+    open_utilities(world.program)
+    bar, line = progress(world)
+    assert not bar.has("showing") and not line.has("showing")
+
+    begin(world, image_of(100))
+    wait_for("the bar", lambda: bar.has("showing") and line.has("showing"))
+    before = bar.value
+    assert re.fullmatch(r"Line \d+ of 101, about (5|10) s left", line.name), line.name
+    wait_for("more of the image", lambda: bar.value > before)
+    assert not world.program.alerts(), "the upload was over too soon"
+    world.picture("progress")
+
+    world.program.alert()
+    assert not bar.has("showing") and not line.has("showing")
+    world.program.expect_alert(*FINISHED)
+    assert not bar.has("showing") and not line.has("showing")
+
+
+def progress(world):
+    """The bar and the line of an upload, whether they are on the screen or not: to look for them in the whole program
+    takes longer than an upload may."""
+    bar = world.program.root.find_all("progress bar", "Firmware upload", showing=False)[0]
+    return bar, [node for node in bar.parent.children if node.role == "notification"][0]
 
 
 @situation(started=False)

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <grp.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -141,9 +142,39 @@ TEST_F(PortAccess, KnowsNothingOfAPathThatNoDeviceHas)
 
     for (const auto* const path : {"/dev/cu.unknown", "/dev/cu.gone"}) {
         EXPECT_FALSE(access.isPermitted(path)) << path;
+        EXPECT_EQ(access.groupThatMayUse(path), std::nullopt) << path;
         EXPECT_EQ(access.programThatUses(path), std::nullopt) << path;
     }
     EXPECT_EQ(access.programThatUses("/dev/cu.file"), std::nullopt);
+}
+
+TEST_F(PortAccess, NamesTheGroupThatMayReadAndWriteTheDevice)
+{
+    // A person may give a file to a group of their own only.
+    constexpr gid_t kDialout = 20;
+    const gid_t group = ::getegid() == 0 ? kDialout : ::getegid();
+    const std::string name = ::getgrgid(group)->gr_name;
+    ASSERT_EQ(::chown(pty.node().c_str(), ::geteuid(), group), 0);
+    const auto groupUnder = [this](mode_t mode) {
+        EXPECT_EQ(::chmod(pty.node().c_str(), mode), 0);
+        return access.groupThatMayUse(kPath);
+    };
+
+    EXPECT_EQ(groupUnder(0660), name);
+    EXPECT_EQ(groupUnder(0640), std::nullopt);
+    EXPECT_EQ(groupUnder(0620), std::nullopt);
+    EXPECT_EQ(groupUnder(0600), std::nullopt);
+}
+
+TEST_F(PortAccess, DoesNotNameTheAdministratorsGroup)
+{
+    nodes.byPath["/dev/cu.null"] = "/dev/null";
+    struct stat status {};
+    ASSERT_EQ(::stat("/dev/null", &status), 0);
+    ASSERT_EQ(status.st_gid, gid_t{0});
+    ASSERT_EQ(status.st_mode & 0060U, mode_t{0060});
+
+    EXPECT_EQ(access.groupThatMayUse("/dev/cu.null"), std::nullopt);
 }
 
 TEST_F(PortAccess, IsPermittedOnceTheDeviceMayBeReadAndWritten)

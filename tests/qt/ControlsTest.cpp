@@ -3,10 +3,12 @@
 #include "platform/qt/Spinner.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QCheckBox>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QtTest/QTest>
 
 #include <gmock/gmock.h>
@@ -154,6 +156,54 @@ TEST_F(Controls, LabelShowsAnotherTextAsItIs)
     EXPECT_EQ(shown.textFormat(), Qt::PlainText);
 }
 
+TEST_F(Controls, ProgressBarShowsHowMuchIsDone)
+{
+    const auto utilities = shown("UtilitiesViewController");
+    auto& bar = utilities->view()->progressBar("uploadProgressBar");
+    auto& widgetOfBar = widget<QProgressBar>(*utilities->view(), "uploadProgressBar");
+
+    bar.setProgress(512, 2000);
+    EXPECT_EQ(widgetOfBar.value(), 512);
+    EXPECT_EQ(widgetOfBar.maximum(), 2000);
+
+    bar.setProgress(1, 2);
+    EXPECT_EQ(widgetOfBar.value(), 1);
+    EXPECT_EQ(widgetOfBar.maximum(), 2);
+}
+
+TEST_F(Controls, ProgressBarTellsTheBusHowMuchIsDone)
+{
+    const auto utilities = shown("UtilitiesViewController");
+    auto& widgetOfBar = widget<QProgressBar>(*utilities->view(), "uploadProgressBar");
+
+    utilities->view()->progressBar("uploadProgressBar").setProgress(512, 2000);
+
+    auto* const accessible = QAccessible::queryAccessibleInterface(&widgetOfBar);
+    EXPECT_EQ(accessible->role(), QAccessible::ProgressBar);
+    EXPECT_EQ(accessible->text(QAccessible::Name), "Firmware upload");
+    EXPECT_EQ(accessible->valueInterface()->currentValue().toInt(), 512);
+    EXPECT_EQ(accessible->valueInterface()->maximumValue().toInt(), 2000);
+}
+
+TEST_F(Controls, LinesThatAreReadOutAreNotificationsToTheBus)
+{
+    const auto expectNotification = [this](const char* layout, const char* name) {
+        const auto screen = layouts.loadView(layout);
+        auto& label = widget<QLabel>(*screen, name);
+
+        screen->label(name).setText("The kettle is in use.");
+
+        auto* const accessible = QAccessible::queryAccessibleInterface(&label);
+        EXPECT_EQ(accessible->role(), QAccessible::Notification) << layout << " " << name;
+        EXPECT_EQ(accessible->text(QAccessible::Name), "The kettle is in use.") << layout << " " << name;
+    };
+
+    expectNotification("RegisterVorranoViewController", "connectionNoticeLabel");
+    expectNotification("WifiSetupViewController", "connectionNoticeLabel");
+    expectNotification("UtilitiesViewController", "connectionNoticeLabel");
+    expectNotification("UtilitiesViewController", "uploadProgressLabel");
+}
+
 TEST_F(Controls, ConnectionNoticeStaysLegibleOnADimmedScreen)
 {
     for (const auto* const layout :
@@ -169,6 +219,26 @@ TEST_F(Controls, ConnectionNoticeStaysLegibleOnADimmedScreen)
         screen->setAlpha(0.3);
 
         EXPECT_EQ(darkest(root.grab(place).toImage()), before) << layout;
+    }
+}
+
+TEST_F(Controls, ProgressOfAnUploadStaysLegibleInsideADimmedBox)
+{
+    const auto screen = layouts.loadView("UtilitiesViewController");
+    screen->progressBar("uploadProgressBar").setProgress(1, 2);
+    screen->label("uploadProgressLabel").setText("Line 1 of 2");
+    auto& root = dynamic_cast<QtView&>(*screen).root();
+    root.resize(root.sizeHint());
+    root.show();
+    for (const auto* const name : {"uploadProgressBar", "uploadProgressLabel"}) {
+        const auto& control = widget<QWidget>(*screen, name);
+        const QRect place(control.mapTo(&root, QPoint()), control.size());
+        screen->setAlpha(1.0);
+        const QImage before = root.grab(place).toImage();
+
+        screen->setAlpha(0.3);
+
+        EXPECT_EQ(root.grab(place).toImage(), before) << name;
     }
 }
 

@@ -15,7 +15,7 @@
 namespace vorrano::qt {
 namespace {
 
-enum class Kind { Button, TextField, PopUpButton, ProgressIndicator, Label, TabView };
+enum class Kind { Button, TextField, PopUpButton, ProgressIndicator, ProgressBar, Label, TabView };
 
 struct Outlet {
     const char* layout;
@@ -36,6 +36,8 @@ platform::Control& connect(platform::View& view, const Outlet& outlet)
         return view.popUpButton(outlet.name);
     case Kind::ProgressIndicator:
         return view.progressIndicator(outlet.name);
+    case Kind::ProgressBar:
+        return view.progressBar(outlet.name);
     case Kind::Label:
         return view.label(outlet.name);
     case Kind::TabView:
@@ -99,6 +101,8 @@ const std::vector<Outlet> kOutlets{
     {kUtilities, "loginProgressIndicator", Kind::ProgressIndicator},
     {kUtilities, "connectionNoticeLabel", Kind::Label},
     {kUtilities, "buttonUpdateFirmware", Kind::Button},
+    {kUtilities, "uploadProgressBar", Kind::ProgressBar},
+    {kUtilities, "uploadProgressLabel", Kind::Label},
 };
 
 class Outlets : public support::QtProgram, public ::testing::WithParamInterface<Outlet> {};

@@ -52,6 +52,15 @@ TEST_F(Pause, IsNeverShorterThanAsked)
     }
 }
 
+TEST_F(Pause, GoesByItsOwnClock)
+{
+    const auto begin = pause.now();
+
+    pause.pause(20ms);
+
+    EXPECT_GE(pause.now() - begin, 20ms);
+}
+
 TEST_F(Pause, ThatIsTooShortForItHandlesNoEvent)
 {
     bool handled = false;

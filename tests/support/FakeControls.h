@@ -98,8 +98,26 @@ private:
 class FakeLabel : public FakeControl, public platform::Label {
 public:
     void setText(const std::string& text) override { content = text; }
+    void announce() override { announced.push_back(content); }
+    // A label that appears is read out by itself.
+    void setHidden(bool hidden) override
+    {
+        if (isHidden() && !hidden) {
+            announce();
+        }
+        FakeControl::setHidden(hidden);
+    }
 
     std::string content;
+    // What a screen reader has read out.
+    std::vector<std::string> announced;
+};
+
+class FakeProgressBar : public FakeControl, public platform::ProgressBar {
+public:
+    void setProgress(std::size_t done, std::size_t all) override { progress = {done, all}; }
+
+    std::pair<std::size_t, std::size_t> progress;
 };
 
 class FakeTabView : public FakeControl, public platform::TabView {

@@ -53,6 +53,8 @@ void FakePause::pause(std::chrono::nanoseconds duration)
     }
 }
 
+std::chrono::nanoseconds FakePause::now() const { return m_mainQueue.time().now(); }
+
 void FakePause::whilePaused(std::function<void()> meanwhile) { m_meanwhile.push_back(std::move(meanwhile)); }
 
 void FakePause::afterwards(Task task) { m_afterwards.push_back(std::move(task)); }

@@ -48,6 +48,7 @@ public:
     explicit FakePause(FakeMainQueue& mainQueue);
 
     void pause(std::chrono::nanoseconds duration) override;
+    [[nodiscard]] std::chrono::nanoseconds now() const override;
 
     // How long each pause was, in order, and when it began.
     [[nodiscard]] const std::vector<Nanoseconds>& pauses() const { return m_pauses; }

@@ -86,6 +86,8 @@ platform::ProgressIndicator& FakeView::progressIndicator(std::string_view name)
     return obtain<FakeProgressIndicator>(name);
 }
 
+platform::ProgressBar& FakeView::progressBar(std::string_view name) { return obtain<FakeProgressBar>(name); }
+
 platform::Label& FakeView::label(std::string_view name) { return obtain<FakeLabel>(name); }
 
 platform::TabView& FakeView::tabView(std::string_view name) { return obtain<FakeTabView>(name); }
@@ -195,6 +197,16 @@ void FakeView::setTabs(std::string_view tabView, const std::vector<std::string>&
 std::string FakeView::text(std::string_view textField) const { return existing<FakeTextField>(textField).content; }
 
 std::string FakeView::labelText(std::string_view label) const { return existing<FakeLabel>(label).content; }
+
+const std::vector<std::string>& FakeView::announcements(std::string_view label) const
+{
+    return existing<FakeLabel>(label).announced;
+}
+
+std::pair<std::size_t, std::size_t> FakeView::progress(std::string_view progressBar) const
+{
+    return existing<FakeProgressBar>(progressBar).progress;
+}
 
 bool FakeView::isEnabled(std::string_view control) const { return anyKind(control).isEnabled(); }
 

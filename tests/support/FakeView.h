@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace vorrano::support {
@@ -29,6 +30,7 @@ public:
     platform::TextField& textField(std::string_view name) override;
     platform::PopUpButton& popUpButton(std::string_view name) override;
     platform::ProgressIndicator& progressIndicator(std::string_view name) override;
+    platform::ProgressBar& progressBar(std::string_view name) override;
     platform::Label& label(std::string_view name) override;
     platform::TabView& tabView(std::string_view name) override;
     void setAlpha(double alpha) override { m_alpha = alpha; }
@@ -48,6 +50,10 @@ public:
     // What is on the screen. A name that nobody has used yet fails the test.
     [[nodiscard]] std::string text(std::string_view textField) const;
     [[nodiscard]] std::string labelText(std::string_view label) const;
+    // What a screen reader has read out of the label, in order.
+    [[nodiscard]] const std::vector<std::string>& announcements(std::string_view label) const;
+    // How much is done, of how much.
+    [[nodiscard]] std::pair<std::size_t, std::size_t> progress(std::string_view progressBar) const;
     [[nodiscard]] bool isEnabled(std::string_view control) const;
     [[nodiscard]] bool isHidden(std::string_view control) const;
     [[nodiscard]] bool isAnimating(std::string_view progressIndicator) const;

@@ -1,12 +1,14 @@
 #include "platform/posix/PosixPortAccess.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
-#include <fcntl.h>
+#include <grp.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -60,27 +62,69 @@ std::string nameOf(const fs::path& process)
     return name;
 }
 
+constexpr gid_t kRootsGroup = 0;
+
+// None for a number without a name, and while the list of groups can't be read.
+std::optional<std::string> nameOfGroup(gid_t number)
+{
+    struct group record {};
+    struct group* found = nullptr;
+    // Holds the group's members too, which may be thousands.
+    std::vector<char> texts(1024);
+    int error = 0;
+    while ((error = ::getgrgid_r(number, &record, texts.data(), texts.size(), &found)) == ERANGE) {
+        texts.resize(texts.size() * 2);
+    }
+    return error == 0 && found != nullptr ? std::optional<std::string>(found->gr_name) : std::nullopt;
+}
+
 } // namespace
+
+struct PosixPortAccess::Device {
+    std::string node;
+    struct stat status {};
+};
 
 PosixPortAccess::PosixPortAccess(const platform::DeviceRegistry& registry)
     : m_registry(registry)
 {}
 
+std::optional<PosixPortAccess::Device> PosixPortAccess::deviceOf(const std::string& path) const
+{
+    const auto node = m_registry.nodeOfCalloutPath(path);
+    Device device{node.value_or(""), {}};
+    if (::stat(device.node.c_str(), &device.status) != 0 || !S_ISCHR(device.status.st_mode)) {
+        return std::nullopt;
+    }
+    return device;
+}
+
 bool PosixPortAccess::isPermitted(const std::string& path) const
 {
     const auto node = m_registry.nodeOfCalloutPath(path);
-    return node && ::faccessat(AT_FDCWD, node->c_str(), R_OK | W_OK, AT_EACCESS) == 0;
+    return node && ::access(node->c_str(), R_OK | W_OK) == 0;
+}
+
+std::optional<std::string> PosixPortAccess::groupThatMayUse(const std::string& path) const
+{
+    const auto device = deviceOf(path);
+    constexpr mode_t kReadAndWrite = S_IRGRP | S_IWGRP;
+    if (!device || (device->status.st_mode & kReadAndWrite) != kReadAndWrite || device->status.st_gid == kRootsGroup) {
+        return std::nullopt;
+    }
+    return nameOfGroup(device->status.st_gid);
 }
 
 std::optional<std::string> PosixPortAccess::programThatUses(const std::string& path) const
 {
-    const auto node = m_registry.nodeOfCalloutPath(path);
-    struct stat status {};
-    if (!node || ::stat(node->c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) {
+    const auto device = deviceOf(path);
+    if (!device) {
         return std::nullopt;
     }
-    const auto nodeName = fs::path(*node).filename().string();
-    const auto isOpen = [&](const fs::path& descriptor) { return isOpenOn(descriptor, nodeName, status.st_rdev); };
+    const auto nodeName = fs::path(device->node).filename().string();
+    const auto isOpen = [&](const fs::path& descriptor) {
+        return isOpenOn(descriptor, nodeName, device->status.st_rdev);
+    };
     const auto process = findIn("/proc", [&](const fs::path& candidate) {
         return isProcess(candidate.filename()) && !findIn(candidate / "fd", isOpen).empty();
     });

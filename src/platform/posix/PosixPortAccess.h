@@ -17,9 +17,14 @@ public:
     explicit PosixPortAccess(const platform::DeviceRegistry& registry);
 
     [[nodiscard]] bool isPermitted(const std::string& path) const override;
+    [[nodiscard]] std::optional<std::string> groupThatMayUse(const std::string& path) const override;
     [[nodiscard]] std::optional<std::string> programThatUses(const std::string& path) const override;
 
 private:
+    // A device's node and its status.
+    struct Device;
+    [[nodiscard]] std::optional<Device> deviceOf(const std::string& path) const;
+
     const platform::DeviceRegistry& m_registry;
 };
 

@@ -3,10 +3,13 @@
 #include <QEvent>
 #include <QPainter>
 
+#include <utility>
+
 namespace vorrano::qt {
 
-Dimmer::Dimmer(QWidget& over)
+Dimmer::Dimmer(QWidget& over, std::vector<QWidget*> leftOut)
     : QWidget(&over)
+    , m_leftOut(std::move(leftOut))
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFocusPolicy(Qt::NoFocus);
@@ -36,6 +39,13 @@ void Dimmer::paintEvent(QPaintEvent*)
     QPainter painter(this);
     QColor colour = palette().color(QPalette::Window);
     colour.setAlphaF(static_cast<float>(m_strength));
+    QRegion veiled(rect());
+    for (const auto* const widget : m_leftOut) {
+        if (widget->isVisible()) {
+            veiled -= QRect(widget->mapTo(parentWidget(), QPoint()), widget->size());
+        }
+    }
+    painter.setClipRegion(veiled);
     painter.fillRect(rect(), colour);
 }
 

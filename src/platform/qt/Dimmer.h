@@ -2,12 +2,15 @@
 
 #include <QWidget>
 
+#include <vector>
+
 namespace vorrano::qt {
 
-// A veil in the window's colour over a screen's content, which goes on taking input. It follows its parent's size.
+// A veil in the window's colour over a screen's content, which goes on taking input. It follows its parent's size, and
+// leaves out some widgets of the screen, wherever they are in it.
 class Dimmer final : public QWidget {
 public:
-    explicit Dimmer(QWidget& over);
+    Dimmer(QWidget& over, std::vector<QWidget*> leftOut);
 
     // 0.0 lets everything be seen, 1.0 nothing.
     void setStrength(double strength);
@@ -18,6 +21,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    const std::vector<QWidget*> m_leftOut;
     double m_strength = 0.0;
 };
 

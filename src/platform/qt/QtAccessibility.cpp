@@ -5,6 +5,7 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QLabel>
 #include <QPointer>
 
 #include <vector>
@@ -144,6 +145,23 @@ private:
     mutable std::vector<QAccessible::Id> m_tabs;
 };
 
+// A line that is read out when it appears.
+class NoticeAccessible final : public QAccessibleWidget {
+public:
+    explicit NoticeAccessible(QLabel& label)
+        : QAccessibleWidget(&label, QAccessible::Notification)
+        , m_label(label)
+    {}
+
+    QString text(QAccessible::Text kind) const override
+    {
+        return kind == QAccessible::Name ? m_label.text() : QAccessibleWidget::text(kind);
+    }
+
+private:
+    const QLabel& m_label;
+};
+
 // A widget without a meaning of its own, which is a window when it stands alone.
 class WindowAccessible final : public QAccessibleWidget {
 public:
@@ -184,6 +202,9 @@ private:
 
 QAccessibleInterface* makeAccessible(const QString&, QObject* object)
 {
+    if (auto* const label = dynamic_cast<QLabel*>(object); label != nullptr && label->property("announced").toBool()) {
+        return new NoticeAccessible(*label);
+    }
     if (auto* const bar = dynamic_cast<TabBar*>(object)) {
         return new TabBarAccessible(*bar);
     }

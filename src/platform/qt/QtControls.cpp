@@ -1,8 +1,18 @@
 #include "platform/qt/QtControls.h"
 
+#include <QAccessible>
+
+#include <algorithm>
+#include <climits>
 #include <utility>
 
 namespace vorrano::qt {
+
+namespace {
+
+int saturated(std::size_t value) { return static_cast<int>(std::min<std::size_t>(value, INT_MAX)); }
+
+} // namespace
 
 QtButton::QtButton(QAbstractButton& button, const QtSurroundings& surroundings)
     : QtControl(button, surroundings)
@@ -23,6 +33,22 @@ void QtLabel::setText(const std::string& text)
 {
     widget().setTextFormat(Qt::PlainText);
     widget().setText(QString::fromStdString(text));
+}
+
+// A screen reader reads out what is marked as announced whenever it appears. There is no other event that it does so
+// for.
+void QtLabel::announce()
+{
+    if (widget().isVisible()) {
+        QAccessibleEvent event(&widget(), QAccessible::ObjectShow);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void QtProgressBar::setProgress(std::size_t done, std::size_t all)
+{
+    widget().setRange(0, saturated(all));
+    widget().setValue(saturated(done));
 }
 
 void QtProgressIndicator::startAnimation() { widget().start(); }

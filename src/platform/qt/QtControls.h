@@ -5,6 +5,7 @@
 
 #include <QAbstractButton>
 #include <QLabel>
+#include <QProgressBar>
 
 namespace vorrano::qt {
 
@@ -24,6 +25,14 @@ public:
     using QtControl::QtControl;
 
     void setText(const std::string& text) override;
+    void announce() override;
+};
+
+class QtProgressBar final : public QtControl<platform::ProgressBar, QProgressBar> {
+public:
+    using QtControl::QtControl;
+
+    void setProgress(std::size_t done, std::size_t all) override;
 };
 
 class QtProgressIndicator final : public QtControl<platform::ProgressIndicator, Spinner> {

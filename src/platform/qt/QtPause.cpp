@@ -53,4 +53,6 @@ void QtPause::pause(std::chrono::nanoseconds duration)
     sleepUntil(end);
 }
 
+std::chrono::nanoseconds QtPause::now() const { return Clock::now().time_since_epoch(); }
+
 } // namespace vorrano::qt

@@ -14,6 +14,7 @@ public:
     QtPause(QtMainQueue& queue, QtGate& gate);
 
     void pause(std::chrono::nanoseconds duration) override;
+    [[nodiscard]] std::chrono::nanoseconds now() const override;
 
 private:
     QtMainQueue& m_queue;

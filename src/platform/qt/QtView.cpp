@@ -27,9 +27,9 @@ QtView::QtView(std::unique_ptr<QWidget> root, const QtSurroundings& surroundings
             connectReveals(*widget);
         }
         if (dynamic_cast<Spinner*>(widget) != nullptr) {
-            m_undimmed.push_back(widget);
+            m_spinners.push_back(widget);
         } else if (widget->property("undimmed").toBool()) {
-            m_undimmed.push_front(widget);
+            m_undimmed.push_back(widget);
         }
     }
 }
@@ -65,6 +65,9 @@ std::unique_ptr<platform::Control> QtView::controlOf(QWidget& widget) const
     if (auto* const spinner = dynamic_cast<Spinner*>(&widget)) {
         return std::make_unique<QtProgressIndicator>(*spinner, m_surroundings);
     }
+    if (auto* const bar = dynamic_cast<QProgressBar*>(&widget)) {
+        return std::make_unique<QtProgressBar>(*bar, m_surroundings);
+    }
     if (auto* const label = dynamic_cast<QLabel*>(&widget)) {
         return std::make_unique<QtLabel>(*label, m_surroundings);
     }
@@ -97,6 +100,8 @@ platform::ProgressIndicator& QtView::progressIndicator(std::string_view name)
     return find<QtProgressIndicator>(name);
 }
 
+platform::ProgressBar& QtView::progressBar(std::string_view name) { return find<QtProgressBar>(name); }
+
 platform::Label& QtView::label(std::string_view name) { return find<QtLabel>(name); }
 
 platform::TabView& QtView::tabView(std::string_view name) { return find<QtTabView>(name); }
@@ -105,11 +110,11 @@ void QtView::setAlpha(double alpha)
 {
     m_alpha = std::clamp(alpha, 0.0, 1.0);
     if (m_dimmer == nullptr) {
-        m_dimmer = new Dimmer(*m_root);
+        m_dimmer = new Dimmer(*m_root, m_undimmed);
     }
     m_dimmer->setStrength(1.0 - m_alpha);
-    for (auto* const widget : m_undimmed) {
-        widget->raise();
+    for (auto* const spinner : m_spinners) {
+        spinner->raise();
     }
 }
 

@@ -5,10 +5,10 @@
 
 #include <QPointer>
 
-#include <deque>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace vorrano::qt {
 
@@ -16,7 +16,8 @@ class Dimmer;
 
 // A screen's content made from a layout. Check boxes with the property `reveals` (names of password fields, with blanks
 // between) show and hide what is typed there; they are the layout's own matter, and the logic does not see them.
-// Widgets with the property `undimmed`, and spinners, stay as they are on a dimmed screen.
+// Widgets with the property `undimmed`, and spinners, stay as they are on a dimmed screen. Labels with the property
+// `announced` are read out by a screen reader when they appear.
 class QtView final : public platform::View {
 public:
     // Takes over `root` with its controls.
@@ -30,6 +31,7 @@ public:
     [[nodiscard]] platform::TextField& textField(std::string_view name) override;
     [[nodiscard]] platform::PopUpButton& popUpButton(std::string_view name) override;
     [[nodiscard]] platform::ProgressIndicator& progressIndicator(std::string_view name) override;
+    [[nodiscard]] platform::ProgressBar& progressBar(std::string_view name) override;
     [[nodiscard]] platform::Label& label(std::string_view name) override;
     [[nodiscard]] platform::TabView& tabView(std::string_view name) override;
     void setAlpha(double alpha) override;
@@ -49,8 +51,8 @@ private:
     QWidget* m_root;
     Dimmer* m_dimmer = nullptr;
     double m_alpha = 1.0;
-    // The spinners at the end, as they are above everything else.
-    std::deque<QWidget*> m_undimmed;
+    std::vector<QWidget*> m_undimmed;
+    std::vector<QWidget*> m_spinners;
     // All of the layout, asked for or not, as each keeps out what comes while it takes no input. A view that is put
     // into a page of this one has names of its own.
     std::map<std::string, std::unique_ptr<platform::Control>, std::less<>> m_controls;

@@ -28,11 +28,11 @@ class Alert:
 
 
 class Program:
-    def __init__(self, bus, display, executable, environment, log, folder=None, arguments=()):
+    def __init__(self, bus, display, executable, environment, log, folder=None, arguments=(), through=()):
         self._bus = bus
         self._display = display
         self._log = open(log, "w", encoding="utf-8")
-        self._process = subprocess.Popen([os.path.abspath(executable), *arguments], env=environment,
+        self._process = subprocess.Popen([*through, os.path.abspath(executable), *arguments], env=environment,
                                          stdin=subprocess.DEVNULL, stdout=self._log, stderr=self._log, cwd=folder)
         self.pid = self._process.pid
         self.root = wait_for("the program on the accessibility bus", self._find_root)
@@ -77,8 +77,8 @@ class Program:
         return self.find("combo box", name)
 
     def shows(self, text):
-        """Whether a label with this text is on the screen."""
-        return self.look_for("label", text) is not None
+        """Whether a label, or a line that is read out when it appears, has this text on the screen."""
+        return self.look_for(("label", "notification"), text) is not None
 
     # Acting
 

@@ -2,19 +2,28 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <optional>
 #include <ostream>
-#include <string_view>
+#include <string>
 
 using namespace vorrano::device;
 
 namespace {
 
-using Text = std::optional<std::string_view>;
+using Text = std::optional<std::string>;
 
-constexpr Text kNoVorrano = "No Vorrano is connected. Plug it in with its USB cable.";
-constexpr Text kOtherVorrano =
+const Text kNoVorrano = "No Vorrano is connected. Plug it in with its USB cable.";
+const Text kOtherVorrano =
     "The Vorrano in use was unplugged. Another one is connected: choose this tab again to use it.";
+const Text kNotAllowed = "You are not allowed to use the Vorrano's port. Install the package of Vorrano Setup.";
+const Text kNotAllowedWithoutTheGroup =
+    "You are not allowed to use the Vorrano's port. Install the package of Vorrano Setup, or become a member of the "
+    "group “dialout” and log in again.";
+const Text kInUse = "Another program is using the Vorrano's port. Close it to go on here.";
+const Text kInUseByKettle = "The program “kettle” is using the Vorrano's port. Close it to go on here.";
+const Text kGone = "The Vorrano's port could not be opened: No such file or directory.";
+const Text kForbidden = "The Vorrano's port could not be opened: Operation not permitted.";
 
 struct NoticeCase {
     TabConnection connection;
@@ -25,6 +34,9 @@ void PrintTo(const NoticeCase& given, std::ostream* out)
 {
     *out << (given.connection.isVorranoListed ? "a Vorrano is listed, " : "no Vorrano is listed, ")
          << (given.connection.isPortListed ? "the tab's port too" : "and not the tab's port");
+    if (const auto& refusal = given.connection.refusal) {
+        *out << ", which fails to open with errno " << refusal->error;
+    }
 }
 
 class TheConnectionNotice : public testing::TestWithParam<NoticeCase> {};
@@ -34,9 +46,25 @@ TEST_P(TheConnectionNotice, SaysWhyCommandsReachNoVorrano)
     EXPECT_EQ(connectionNotice(GetParam().connection), GetParam().notice);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, TheConnectionNotice,
-                         testing::Values(NoticeCase{{false, false}, kNoVorrano}, NoticeCase{{false, true}, kNoVorrano},
-                                         NoticeCase{{true, false}, kOtherVorrano},
-                                         NoticeCase{{true, true}, std::nullopt}));
+INSTANTIATE_TEST_SUITE_P(OfTheList, TheConnectionNotice,
+                         testing::Values(NoticeCase{{false, false, {}}, kNoVorrano},
+                                         NoticeCase{{false, true, {}}, kNoVorrano},
+                                         NoticeCase{{true, false, {}}, kOtherVorrano},
+                                         NoticeCase{{true, true, {}}, std::nullopt}));
+
+NoticeCase refused(PortRefusal refusal, Text notice) { return {{true, true, std::move(refusal)}, std::move(notice)}; }
+
+INSTANTIATE_TEST_SUITE_P(OfARefusedPort, TheConnectionNotice,
+                         testing::Values(refused({EACCES, {}, {}}, kNotAllowed),
+                                         refused({EACCES, "dialout", {}}, kNotAllowedWithoutTheGroup),
+                                         refused({EBUSY, {}, {}}, kInUse),
+                                         refused({EBUSY, {}, "kettle"}, kInUseByKettle),
+                                         refused({ENOENT, {}, {}}, kGone), refused({EPERM, {}, {}}, kForbidden)));
+
+const PortRefusal kBusy{EBUSY, {}, {}};
+
+INSTANTIATE_TEST_SUITE_P(OfARefusedPortThatIsNotListed, TheConnectionNotice,
+                         testing::Values(NoticeCase{{false, true, kBusy}, kNoVorrano},
+                                         NoticeCase{{true, false, kBusy}, kOtherVorrano}));
 
 } // namespace

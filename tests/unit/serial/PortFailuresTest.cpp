@@ -69,6 +69,22 @@ TEST_P(FailureOfOpen, IsOneErrorAndThePortStaysClosed)
     EXPECT_EQ(delegate->errors().front(), expected);
 }
 
+TEST_P(FailureOfOpen, IsKeptAndToldToObserversUntilAnOpenSucceeds)
+{
+    std::vector<std::optional<int>> seen;
+    const auto failures = port->observe(kOpenErrorKey, [&] { seen.push_back(port->openError()); });
+    const auto opens = port->observe("isOpen", [&] { seen.push_back(port->openError()); });
+    EXPECT_EQ(port->openError(), std::nullopt);
+    failNext();
+
+    port->open();
+    port->open();
+
+    EXPECT_THAT(seen, ElementsAre(failing().error, std::nullopt));
+    port->close();
+    EXPECT_EQ(port->openError(), std::nullopt);
+}
+
 class SilentFailureAtOpen : public FailureTest {};
 INSTANTIATE_TEST_SUITE_P(OfStatusFlags, SilentFailureAtOpen,
                          testing::ValuesIn(each(TerminalCall::SetStatusFlags, kOfStatusFlags)));

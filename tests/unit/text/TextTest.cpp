@@ -186,4 +186,14 @@ TEST(ReplacingAll, ReplacesEachAndNothingElse)
     EXPECT_EQ(text::replacingAll("MyNet", ' ', '$'), "MyNet");
 }
 
+TEST(GroupedDecimal, HasACommaBeforeEveryThirdDigit)
+{
+    EXPECT_EQ(text::groupedDecimal(0), "0");
+    EXPECT_EQ(text::groupedDecimal(999), "999");
+    EXPECT_EQ(text::groupedDecimal(1000), "1,000");
+    EXPECT_EQ(text::groupedDecimal(123456), "123,456");
+    EXPECT_EQ(text::groupedDecimal(1234567), "1,234,567");
+    EXPECT_EQ(text::groupedDecimal(std::numeric_limits<std::uint64_t>::max()), "18,446,744,073,709,551,615");
+}
+
 } // namespace
