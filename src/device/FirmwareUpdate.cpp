@@ -109,7 +109,7 @@ void FirmwareUpdate::fetchLatestFirmware(std::int32_t whole)
         const auto body = urlFetch.contentsOfUrl(address);
         // Parsed, but an answer that is no JSON counts as much: the version stands at a fixed place of its text.
         static_cast<void>(web::Reply::parsed(body));
-        data->setText(text::textFromUtf8(body.value_or("")));
+        data->setText(firmwareAnswerOf(body));
         mainQueue.async([] {});
     });
 }

@@ -11,9 +11,10 @@
 
 namespace vorrano {
 
+using linux_platform::areWholeMessages;
 using linux_platform::linkFrom;
-using linux_platform::RouteKind;
 using linux_platform::routeFrom;
+using linux_platform::RouteKind;
 
 namespace {
 
@@ -25,8 +26,8 @@ std::string bytesOf(const Value& value)
 
 std::string attribute(int type, const std::string& payload)
 {
-    auto bytes = bytesOf(rtattr{static_cast<unsigned short>(RTA_LENGTH(payload.size())),
-                                static_cast<unsigned short>(type)});
+    auto bytes =
+        bytesOf(rtattr{static_cast<unsigned short>(RTA_LENGTH(payload.size())), static_cast<unsigned short>(type)});
     bytes += payload;
     bytes.resize(RTA_ALIGN(bytes.size()));
     return bytes;
@@ -68,7 +69,39 @@ private:
     alignas(nlmsghdr) std::array<char, 4096> m_bytes{};
 };
 
+std::string withLength(std::uint32_t length, std::size_t payload)
+{
+    nlmsghdr header{};
+    header.nlmsg_len = length;
+    return bytesOf(header) + std::string(payload, '\0');
+}
+
 } // namespace
+
+TEST(NetlinkMessages, AreWholeWhenEachHasWhatItsLengthSays)
+{
+    EXPECT_TRUE(areWholeMessages({}));
+    EXPECT_TRUE(areWholeMessages(withLength(16, 0)));
+    EXPECT_TRUE(areWholeMessages(withLength(20, 4) + withLength(16, 0)));
+    EXPECT_TRUE(areWholeMessages(withLength(18, 4) + withLength(16, 0)));
+}
+
+TEST(NetlinkMessages, AreNotWholeWhereALengthIsNoneOrLeadsBehindTheBytes)
+{
+    EXPECT_FALSE(areWholeMessages(std::string(15, '\0')));
+    EXPECT_FALSE(areWholeMessages(withLength(15, 0)));
+    EXPECT_FALSE(areWholeMessages(withLength(17, 0)));
+    EXPECT_FALSE(areWholeMessages(withLength(16, 0) + withLength(20, 3)));
+    EXPECT_FALSE(areWholeMessages(withLength(0xFF00026D, 64)));
+    EXPECT_FALSE(areWholeMessages(withLength(0xFFFFFFFF, 64)));
+    EXPECT_FALSE(areWholeMessages(withLength(16, 3)));
+}
+
+TEST(NetlinkMessages, AreNotWholeWithoutThePaddingOfTheLast)
+{
+    EXPECT_FALSE(areWholeMessages(withLength(18, 2)));
+    EXPECT_FALSE(areWholeMessages(withLength(16, 0) + withLength(19, 3)));
+}
 
 TEST(NetlinkMessage, SaysWhetherALinkIsUpAndTheLoopback)
 {
@@ -86,8 +119,8 @@ TEST(NetlinkMessage, SaysWhetherALinkIsUpAndTheLoopback)
 
 TEST(NetlinkMessage, SaysWhereARouteLeads)
 {
-    const auto route = routeFrom(*Message(bytesOf(defaultRoute()) + attribute(RTA_OIF, number(7)) +
-                                          attribute(RTA_GATEWAY, number(0x0101A8C0))));
+    const auto route = routeFrom(
+        *Message(bytesOf(defaultRoute()) + attribute(RTA_OIF, number(7)) + attribute(RTA_GATEWAY, number(0x0101A8C0))));
 
     ASSERT_TRUE(route.has_value());
     EXPECT_EQ(route->kind, RouteKind::Forwarded);

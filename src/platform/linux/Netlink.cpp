@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <functional>
 #include <memory>
+#include <span>
 #include <utility>
 
 #include <libmnl/libmnl.h>
@@ -71,6 +72,9 @@ int ask(const nlmsghdr& request, const Take& take)
         const auto size = mnl_socket_recvfrom(socket.get(), answer.data(), answer.size());
         if (size < 0) {
             return errno;
+        }
+        if (!areWholeMessages(std::span(answer).first(static_cast<std::size_t>(size)))) {
+            return EBADMSG;
         }
         outcome = mnl_cb_run(answer.data(), static_cast<std::size_t>(size), request.nlmsg_seq, port, takeOne,
                              const_cast<Take*>(&take));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 #include <libmnl/libmnl.h>
@@ -103,6 +104,21 @@ int takeRouteAttribute(const nlattr* attribute, void* data)
 }
 
 } // namespace
+
+bool areWholeMessages(std::span<const char> bytes)
+{
+    while (bytes.size() >= sizeof(nlmsghdr)) {
+        nlmsghdr header{};
+        std::memcpy(&header, bytes.data(), sizeof header);
+        // Its length as such first: the largest ones have nothing to be padded to.
+        if (header.nlmsg_len < sizeof header || header.nlmsg_len > bytes.size() ||
+            MNL_ALIGN(header.nlmsg_len) > bytes.size()) {
+            return false;
+        }
+        bytes = bytes.subspan(MNL_ALIGN(header.nlmsg_len));
+    }
+    return bytes.empty();
+}
 
 std::optional<Link> linkFrom(const nlmsghdr& message)
 {
