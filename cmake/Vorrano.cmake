@@ -6,20 +6,33 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
-find_program(VORRANO_CCACHE ccache)
-if(VORRANO_CCACHE)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${VORRANO_CCACHE}")
-endif()
-find_program(VORRANO_LLD ld.lld)
-if(VORRANO_LLD)
-    add_link_options(-fuse-ld=lld)
+# The files that come out depend on whether these are installed, so a package is built without them.
+option(VORRANO_QUICK_TOOLS "Compile with ccache and link with lld where they are installed" ON)
+if(VORRANO_QUICK_TOOLS)
+    find_program(VORRANO_CCACHE ccache)
+    if(VORRANO_CCACHE)
+        set(CMAKE_CXX_COMPILER_LAUNCHER "${VORRANO_CCACHE}")
+    endif()
+    find_program(VORRANO_LLD ld.lld)
+    if(VORRANO_LLD)
+        add_link_options(-fuse-ld=lld)
+    endif()
 endif()
 
+# A newer compiler's new warning must not keep a package from being built.
+option(VORRANO_WARNINGS_AS_ERRORS "Fail on a compiler's warning" ON)
 add_library(vorrano_warnings INTERFACE)
-target_compile_options(vorrano_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_compile_options(vorrano_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(VORRANO_WARNINGS_AS_ERRORS)
+    target_compile_options(vorrano_warnings INTERFACE -Werror)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # g++ 12 sees an overlap in every assignment of a literal to a std::string (GCC bug 105651).
     target_compile_options(vorrano_warnings INTERFACE -Wno-restrict)
+endif()
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # What the annotations of platform/Mutex.h say is checked.
+    target_compile_options(vorrano_warnings INTERFACE -Wthread-safety)
 endif()
 if(VORRANO_CCACHE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # Without it ccache refuses precompiled headers.
@@ -34,22 +47,15 @@ if(VORRANO_FUZZ)
                            -fno-sanitize-coverage=trace-cmp,indirect-calls)
 endif()
 
-# vorrano_library(<name> FOLDER <folder below src/> [ONLY <regex> | EXCEPT <regex>]
-#                 [PUBLIC <libraries>...] [PRIVATE <libraries>...])
+# vorrano_library(<name> FOLDER <folder below src/> [PUBLIC <libraries>...] [PRIVATE <libraries>...])
 #
-# All sources of the folder (not of its subfolders) as the library vorrano_<name>; or only those, or all but those, whose
-# path matches the expression, for a folder that holds two libraries. Its headers are reached as
-# "<folder>/<Header>.h", and only by who links the library: each library has an include folder of its own, so a
-# header of a folder that was not linked is not found.
+# All sources of the folder (not of its subfolders) as the library vorrano_<name>. Its headers are included as
+# "<folder>/<Header>.h". Each library has an include folder of its own, so the header of a folder that was not linked is
+# not found.
 function(vorrano_library name)
-    cmake_parse_arguments(arg "" "FOLDER;ONLY;EXCEPT" "PUBLIC;PRIVATE" ${ARGN})
+    cmake_parse_arguments(arg "" "FOLDER" "PUBLIC;PRIVATE" ${ARGN})
     set(folder "${PROJECT_SOURCE_DIR}/src/${arg_FOLDER}")
     file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cpp")
-    if(arg_ONLY)
-        list(FILTER sources INCLUDE REGEX "${arg_ONLY}")
-    elseif(arg_EXCEPT)
-        list(FILTER sources EXCLUDE REGEX "${arg_EXCEPT}")
-    endif()
     set(root "${PROJECT_BINARY_DIR}/include/${name}")
     get_filename_component(parent "${root}/${arg_FOLDER}" DIRECTORY)
     file(MAKE_DIRECTORY "${parent}")

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/session/GlobalVariables.h"
 #include "cloud/LoginViewController.h"
 #include "fuzz/Check.h"
 #include "fuzz/Utf8.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
+#include "session/GlobalVariables.h"
 #include "support/World.h"
 
 #include <memory>

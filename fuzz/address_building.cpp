@@ -1,11 +1,10 @@
 // What a person types and the device answers, made into addresses of the web service.
-#include "app/session/Text.h"
 #include "cloud/AccountForm.h"
-#include "cloud/ServiceRequests.h"
-#include "cloud/web/ServiceAddress.h"
 #include "fuzz/Check.h"
 #include "fuzz/Input.h"
-#include "platform/linux/WebAddress.h"
+#include "platform/curl/WebAddress.h"
+#include "text/Text.h"
+#include "web/ServiceAddress.h"
 
 #include <algorithm>
 #include <cctype>
@@ -60,8 +59,9 @@ void checkEscaping(const std::string& text)
 void checkAddress(const std::string& address, std::string_view method)
 {
     check(address.starts_with(kRoot + std::string(method)), "the address begins with root and method");
-    const auto scheme = linux_platform::webSchemeOf(address);
-    check((scheme == linux_platform::WebScheme::Https) == hasOnlyWholeEscapes(address), "an address that can be fetched");
+    const auto scheme = curl_platform::webSchemeOf(address);
+    check((scheme == curl_platform::WebScheme::Https) == hasOnlyWholeEscapes(address),
+          "an address that can be fetched");
 }
 
 cloud::AccountForm formFrom(fuzz::Input& input)
@@ -82,10 +82,10 @@ cloud::AccountForm formFrom(fuzz::Input& input)
 
 void checkForm(const cloud::AccountForm& form, const std::string& accountID)
 {
-    const auto created = cloud::newAccountAddress(kRoot, form);
-    const auto updated = cloud::accountUpdateAddress(kRoot, accountID, form);
-    checkAddress(created, web::kInsertAccount);
-    checkAddress(updated, web::kGetAccounts);
+    const auto created = web::newAccountAddress(kRoot, form);
+    const auto updated = web::accountUpdateAddress(kRoot, accountID, form);
+    checkAddress(created, "insertAccount/");
+    checkAddress(updated, "getAccounts/");
     if (cloud::refusalOf(form)) {
         return;
     }
@@ -110,10 +110,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkEscaping(name);
     checkEscaping(accountID + "://" + name);
     checkForm(form, accountID);
-    checkAddress(cloud::registrationAddress(kRoot, accountID, macAddress, name), web::kInsertAccountVorranos);
-    check(cloud::loginAddress(kRoot, accountID, name) == kRoot + "validateLogin/" + accountID + "/" + name, "as typed");
-    check(cloud::accountAddress(kRoot, accountID) == kRoot + "getAccounts/" + accountID, "as it is");
+    checkAddress(web::registrationAddress(kRoot, accountID, macAddress, name), "insertAccountVorranos/");
+    check(web::loginAddress(kRoot, accountID, name) == kRoot + "validateLogin/" + accountID + "/" + name, "as typed");
+    check(web::accountAddress(kRoot, accountID) == kRoot + "getAccounts/" + accountID, "as it is");
     const auto kept = cloud::removingAddressMarks(name);
-    check(kept.find_first_of("/?#") == std::string::npos && cloud::removingAddressMarks(kept) == kept, "no marks are left");
+    check(kept.find_first_of("/?#") == std::string::npos && cloud::removingAddressMarks(kept) == kept,
+          "no marks are left");
     return 0;
 }

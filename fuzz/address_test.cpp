@@ -1,15 +1,15 @@
 // The test that decides whether a text is an address to fetch.
 #include "fuzz/Check.h"
 #include "fuzz/Input.h"
-#include "platform/linux/WebAddress.h"
+#include "platform/curl/WebAddress.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
 
 using namespace vorrano;
+using curl_platform::WebScheme;
 using fuzz::check;
-using linux_platform::WebScheme;
 
 namespace {
 
@@ -17,9 +17,9 @@ bool isHexadecimal(char character) { return std::isxdigit(static_cast<unsigned c
 
 bool beginsWith(std::string_view text, std::string_view beginning)
 {
-    return text.size() >= beginning.size() && std::equal(beginning.begin(), beginning.end(), text.begin(), [](char a, char b) {
-               return a == std::tolower(static_cast<unsigned char>(b));
-           });
+    return text.size() >= beginning.size() &&
+           std::equal(beginning.begin(), beginning.end(), text.begin(),
+                      [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
 }
 
 // Reads the address character by character: first the host and what belongs to it, then the path and query, then the
@@ -44,8 +44,8 @@ bool isRestOfAddress(std::string_view rest)
         const bool isBracket = (character == '[' || character == ']') && where == Where::Authority;
         const bool isSeparator = ((character == '/' || character == '?') && where != Where::Authority) ||
                                  (character == '#' && where == Where::Fragment);
-        const bool isEscape = character == '%' && at + 2 < rest.size() && isHexadecimal(rest[at + 1]) &&
-                              isHexadecimal(rest[at + 2]);
+        const bool isEscape =
+            character == '%' && at + 2 < rest.size() && isHexadecimal(rest[at + 1]) && isHexadecimal(rest[at + 2]);
         if (!isLetter && !isMark && !isBracket && !isSeparator && !isEscape) {
             return false;
         }
@@ -59,7 +59,7 @@ bool isRestOfAddress(std::string_view rest)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const auto text = fuzz::Input(data, size).rest();
-    const auto scheme = linux_platform::webSchemeOf(text);
+    const auto scheme = curl_platform::webSchemeOf(text);
     const bool isHttps = beginsWith(text, "https://") && isRestOfAddress(std::string_view(text).substr(8));
     const bool isHttp = beginsWith(text, "http://") && isRestOfAddress(std::string_view(text).substr(7));
     check((scheme == WebScheme::Https) == isHttps, "an https address is one to the letter");

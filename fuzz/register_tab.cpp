@@ -2,7 +2,7 @@
 #include "cloud/RegisterVorranoViewController.h"
 #include "fuzz/Input.h"
 #include "fuzz/TabWorld.h"
-#include "platform/linux/WebAddress.h"
+#include "platform/curl/WebAddress.h"
 
 using namespace vorrano;
 using fuzz::check;

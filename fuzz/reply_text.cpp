@@ -1,10 +1,10 @@
 // How the device's bytes and the service's texts are read: as UTF-8, as numbers, without the blanks at their ends.
-#include "app/session/Text.h"
 #include "device/DeviceCommand.h"
 #include "device/FirmwareVersion.h"
 #include "fuzz/Check.h"
 #include "fuzz/Input.h"
 #include "fuzz/Utf8.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -41,7 +41,8 @@ void checkTrimming(const std::string& bytes)
         check(trimming(trimmed) == trimmed, "what is trimmed has nothing left to trim");
         check(trimming(" \t" + trimmed + "\xC2\xA0 ") == trimmed, "blanks around make no difference");
     }
-    check(text::containsBlanks(bytes) || text::trimmingBlanks(bytes) == bytes, "what has no blanks has none at its end");
+    check(text::containsBlanks(bytes) || text::trimmingBlanks(bytes) == bytes,
+          "what has no blanks has none at its end");
     const auto replaced = text::replacingAll(bytes, '$', ' ');
     check(replaced.size() == bytes.size() && replaced.find('$') == std::string::npos, "each sign is replaced by one");
 }
@@ -70,7 +71,8 @@ void checkNumbers(const std::string& bytes)
 {
     const double value = text::doubleValue(bytes);
     check(std::isfinite(value), "a number is finite");
-    const bool beginsLikeOne = !bytes.empty() && (isDigit(bytes[0]) || bytes[0] == '.' || bytes[0] == '+' || bytes[0] == '-');
+    const bool beginsLikeOne =
+        !bytes.empty() && (isDigit(bytes[0]) || bytes[0] == '.' || bytes[0] == '+' || bytes[0] == '-');
     if (beginsLikeOne && !mayDiffer(bytes)) {
         const double read = std::strtod(bytes.c_str(), nullptr);
         const bool isTiny = std::abs(read) < std::numeric_limits<double>::min();
@@ -84,7 +86,8 @@ void checkNumbers(const std::string& bytes)
     const auto throttle = device::throttleFromReply(bytes);
     check(throttle == text::saturatingInt32(std::round(value * 1.5)), "a throttle is the number times 1.5");
     const auto whole = device::wholeVersion(value);
-    check(whole == std::numeric_limits<std::int32_t>::min() || whole <= value, "a whole version is not above the version");
+    check(whole == std::numeric_limits<std::int32_t>::min() || whole <= value,
+          "a whole version is not above the version");
 }
 
 void checkLatestVersion(const std::string& bytes, std::int32_t whole)

@@ -4,52 +4,79 @@
 #include "fuzz/Input.h"
 
 #include <algorithm>
+#include <chrono>
+#include <memory>
+#include <vector>
 
 using namespace vorrano;
+using device::DeviceCommand;
 using fuzz::check;
+using serial::SerialRequest;
 
 namespace {
+
+constexpr std::size_t kLongestReply = 64;
 
 bool endsWith(const std::string& bytes, const std::string& end)
 {
     return bytes.size() >= end.size() && std::equal(end.rbegin(), end.rend(), bytes.rbegin());
 }
 
-constexpr std::size_t kLongestReply = 64;
+// Whether the bytes are the whole reply to the command; the rule of each command, told a second time.
+bool isWhole(DeviceCommand command, const std::string& bytes)
+{
+    switch (command) {
+    case DeviceCommand::MacAddress:
+        return bytes.size() > 18;
+    case DeviceCommand::ReadSSID:
+    case DeviceCommand::ReadPassword:
+        return bytes.size() > 3 && endsWith(bytes, "\n\n\r");
+    case DeviceCommand::ConnectivityStatus:
+        return bytes.size() > 3 && endsWith(bytes, "\n\r");
+    case DeviceCommand::PowerStatus:
+    case DeviceCommand::ReadThrottle:
+    case DeviceCommand::SetSSID:
+    case DeviceCommand::SetPassword:
+    case DeviceCommand::SetSecurityType:
+    case DeviceCommand::SetWepKey:
+    case DeviceCommand::SetThrottle:
+        return bytes.size() > 3;
+    default:
+        // Resets wait for nothing, and what is sent past the request queue takes any chunk.
+        return true;
+    }
+}
 
-struct Tests {
-    serial::ResponseEvaluator fourBytes = device::atLeastFourBytes();
-    serial::ResponseEvaluator mac = device::macPacket();
-    serial::ResponseEvaluator triple;
-    serial::ResponseEvaluator twofold = device::doubleTerminator();
-    serial::ResponseEvaluator always = device::always();
+struct Request {
+    DeviceCommand command;
+    std::shared_ptr<SerialRequest> request;
 };
 
-void checkAll(const Tests& tests, const std::string& bytes, std::size_t minimum)
+// One for each command, with its test as a tab would have set it.
+std::vector<Request> allRequests()
 {
-    check(tests.fourBytes(bytes) == (bytes.size() > 3), "four bytes are enough");
-    check(tests.mac(bytes) == (bytes.size() > 18), "a MAC packet has more than 18 bytes");
-    check(tests.triple(bytes) == (bytes.size() >= minimum && endsWith(bytes, "\n\n\r")), "a text ends with three");
-    check(tests.twofold(bytes) == (bytes.size() >= 4 && endsWith(bytes, "\n\r")), "a status ends with two");
-    check(tests.always(bytes), "a reset needs no reply");
+    std::vector<Request> requests;
+    for (const auto& description : device::kCommands) {
+        requests.push_back(
+            {description.command, SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
+                                      device::bytesOf(description.command), {}, std::chrono::duration<double>(2),
+                                      device::evaluatorOf(description.command))});
+    }
+    return requests;
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    fuzz::Input input(data, size);
-    const std::size_t minimum = input.byte();
-    const auto bytes = input.rest().substr(0, kLongestReply);
-    Tests tests;
-    tests.triple = device::tripleTerminator(minimum);
-    // Asked as a request asks it.
-    const auto request = serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
-        "c", {}, std::chrono::duration<double>(2), tests.triple);
+    static const auto kRequests = allRequests();
+    const auto bytes = fuzz::Input(data, size).rest().substr(0, kLongestReply);
     for (std::size_t length = 0; length <= bytes.size(); ++length) {
         const auto sofar = bytes.substr(0, length);
-        checkAll(tests, sofar, minimum);
-        check(request->dataIsValidResponse(sofar) == tests.triple(sofar), "a request asks its test");
+        for (const auto& [command, request] : kRequests) {
+            check(request->dataIsValidResponse(sofar) == isWhole(command, sofar),
+                  "a reply is whole by its command's rule");
+        }
     }
     return 0;
 }

@@ -1,8 +1,8 @@
 // Reading what the web service answered, along a path that the input chooses.
-#include "cloud/web/Reply.h"
 #include "fuzz/Check.h"
 #include "fuzz/Input.h"
 #include "fuzz/Utf8.h"
+#include "web/Reply.h"
 
 #include <algorithm>
 #include <array>

@@ -31,7 +31,8 @@ simulator::Fault faultFrom(fuzz::Input& input)
 
 void checkMemory(const simulator::Memory& memory)
 {
-    check(memory.ssid.size() <= 256 && memory.password.size() <= 256 && memory.wepKey.size() <= 256, "texts are limited");
+    check(memory.ssid.size() <= 256 && memory.password.size() <= 256 && memory.wepKey.size() <= 256,
+          "texts are limited");
     check(memory.securityType <= 4 || memory.securityType == 8, "a security type is a known one");
     check(memory.throttle >= 14 && memory.throttle <= 60, "a throttle is in its range");
     check(memory.unit <= 1, "a unit is one of two");

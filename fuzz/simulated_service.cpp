@@ -42,7 +42,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         wire.erase(0, *length);
         check(head.ends_with("\r\n\r\n"), "a head ends with an empty line");
         const auto target = simulator::targetOfHead(head);
-        check(target.find(' ') == std::string::npos && target.find("\r\n") == std::string::npos, "a target is one word");
+        check(target.find(' ') == std::string::npos && target.find("\r\n") == std::string::npos,
+              "a target is one word");
         checkAnswer(service, target);
     }
     checkAnswer(service, wire);

@@ -82,6 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(base + suffix == device->name, "a name is its letters and its number");
     check(suffix.find_first_not_of("0123456789") == std::string::npos, "a number is digits");
     check(propertyOf(*device, "", platform::kDialinDeviceKey) == facts.node, "the dial-in path is the node");
-    check(facts.serialNumber.starts_with("IO") || !propertyOf(*device, "", facts.serialNumber), "other keys have no value");
+    check(facts.serialNumber.starts_with("IO") || !propertyOf(*device, "", facts.serialNumber),
+          "other keys have no value");
     return 0;
 }

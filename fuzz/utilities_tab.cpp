@@ -117,8 +117,10 @@ private:
     {
         m_world.checkAlerts();
         check(m_world.world.alerts.shown() == m_model.takeAlerts(), "the alerts are those of the model");
-        check(m_tab->connectivityStatus() == m_model.connectivity() && m_tab->adcNumber() == m_model.adc(), "so is what is gathered");
-        check(m_tab->incomingDataBuffer() == m_model.buffer(), "every chunk is kept");
+        check(m_tab->replies().connectivityStatus() == m_model.connectivity() &&
+                  m_tab->replies().adcNumber() == m_model.adc(),
+              "so is what is gathered");
+        check(m_tab->exchange().incomingDataBuffer() == m_model.buffer(), "every chunk is kept");
     }
 
     fuzz::TabWorld m_world;

@@ -12,13 +12,16 @@ using platform::Alert;
 
 namespace {
 
-constexpr std::array kButtons{"buttonScanSSID",     "saveSSIDButton",     "saveSecurityTypeButton",
-                              "savePasswordButton", "saveKeyButton",      "buttonCheckSSID",
-                              "buttonCheckPassword", "buttonCheckNetworkConnection", "buttonResetDevice"};
+constexpr std::array kButtons{
+    "buttonScanSSID",  "saveSSIDButton",      "saveSecurityTypeButton",       "savePasswordButton", "saveKeyButton",
+    "buttonCheckSSID", "buttonCheckPassword", "buttonCheckNetworkConnection", "buttonResetDevice"};
 constexpr std::array kFields{"SSID", "password", "wepKeyField"};
 constexpr std::array kTypes{"", "Open", "WEP-128", "WPA1", "WPA mixed", "WPA2", "WEP-64"};
 
-Alert alertOf(std::optional<std::string> title, std::string text) { return {std::move(title), {"OK"}, std::move(text)}; }
+Alert alertOf(std::optional<std::string> title, std::string text)
+{
+    return {std::move(title), {"OK"}, std::move(text)};
+}
 
 class Tab {
 public:
@@ -66,7 +69,7 @@ private:
         std::optional<std::string> shown;
         if (fuzz::isUtf8(bytes)) {
             shown = bytes;
-            if (m_tab->queryNumber() == DeviceCommand::ReadSSID) {
+            if (m_tab->exchange().queryNumber() == DeviceCommand::ReadSSID) {
                 std::replace(shown->begin(), shown->end(), '$', ' ');
             }
         }

@@ -1,3 +1,4 @@
+#include "app/command_line/CommandLine.h"
 #include "simulator/control/Simulator.h"
 #include "simulator/window/SimulatorWindow.h"
 
@@ -7,24 +8,23 @@
 #include <QJsonDocument>
 #include <QSocketNotifier>
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <exception>
 #include <memory>
-#include <string_view>
+#include <optional>
 
 #include <unistd.h>
 
 namespace {
 
-using vorrano::simulator::Settings;
+using namespace vorrano;
 
-Settings settingsOf(const QCoreApplication& application)
+constexpr command_line::Program kProgram{"vorrano-simulator",
+                                         "A simulated Vorrano on a pseudo-terminal, and the vendor's web service."};
+
+void addOptions(QCommandLineParser& parser)
 {
-    QCommandLineParser parser;
-    parser.setApplicationDescription("A simulated Vorrano on a pseudo-terminal, and the vendor's web service.");
-    parser.addHelpOption();
     parser.addOptions({
         {"control", "Where to make the control socket.", "path"},
         {"serial", "The adapter's serial number.", "number", "A1B2"},
@@ -34,10 +34,28 @@ Settings settingsOf(const QCoreApplication& application)
         {"account", "An account that is there from the start.", "name:password"},
         {"window", "Show the Vorrano as an object, and what passes."},
     });
-    parser.process(application);
-    if (!parser.isSet("control")) {
-        parser.showHelp(2);
+}
+
+// The status to end with at once, as CommandLine.h has it.
+std::optional<int> answer(int argc, char* argv[], QCommandLineParser& parser)
+{
+    addOptions(parser);
+    if (const auto status = command_line::answer(argc, argv, kProgram, parser)) {
+        return status;
     }
+    if (!parser.isSet("control")) {
+        return command_line::refuse(kProgram, "--control is missing.");
+    }
+    bool isPort = false;
+    parser.value("http-port").toUShort(&isPort);
+    if (!isPort) {
+        return command_line::refuse(kProgram, "--http-port takes a number from 0 to 65535.");
+    }
+    return std::nullopt;
+}
+
+simulator::Settings settingsOf(const QCommandLineParser& parser)
+{
     const auto account = parser.value("account");
     return {parser.value("control").toStdString(),    parser.value("serial").toStdString(),
             parser.value("http-port").toUShort(),     !parser.isSet("unplugged"),
@@ -57,11 +75,6 @@ std::unique_ptr<QSocketNotifier> quitWhenStdinEnds()
     return notifier;
 }
 
-bool isGiven(int argc, char* argv[], std::string_view option)
-{
-    return std::find(argv, argv + argc, option) != argv + argc;
-}
-
 // Only a simulator with a window needs a display.
 std::unique_ptr<QCoreApplication> applicationFor(int& argc, char* argv[], bool window)
 {
@@ -76,17 +89,19 @@ std::unique_ptr<QCoreApplication> applicationFor(int& argc, char* argv[], bool w
 
 int main(int argc, char* argv[])
 {
-    const bool window = isGiven(argc, argv, "--window");
-    const bool untilStdinEnds = isGiven(argc, argv, "--until-stdin-ends");
+    QCommandLineParser parser;
+    if (const auto status = answer(argc, argv, parser)) {
+        return *status;
+    }
+    const bool window = parser.isSet("window");
     const auto application = applicationFor(argc, argv, window);
-    const auto settings = settingsOf(*application);
     try {
-        vorrano::simulator::Simulator simulator(settings);
-        const auto shown = window ? std::make_unique<vorrano::simulator::SimulatorWindow>(simulator) : nullptr;
+        simulator::Simulator simulator(settingsOf(parser));
+        const auto shown = window ? std::make_unique<simulator::SimulatorWindow>(simulator) : nullptr;
         if (shown) {
             shown->show();
         }
-        const auto stdinEnds = untilStdinEnds ? quitWhenStdinEnds() : nullptr;
+        const auto stdinEnds = parser.isSet("until-stdin-ends") ? quitWhenStdinEnds() : nullptr;
         auto ready = simulator.state();
         ready["event"] = "ready";
         std::printf("%s\n", QJsonDocument(ready).toJson(QJsonDocument::Compact).constData());

@@ -3,7 +3,7 @@
 #include "EchoDevice.h"
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxTerminal.h"
+#include "platform/posix/PosixTerminal.h"
 #include "platform/qt/QtMainQueue.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortDelegate.h"
@@ -91,13 +91,13 @@ public:
 private:
     support::FakeSystemLog m_log;
     qt::QtMainQueue m_mainQueue{m_log};
-    asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log, std::this_thread::get_id()};
+    asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log};
 
     // The device list's own, which nobody's time goes by.
     support::VirtualTime m_noTime{m_log};
     support::FakeMainQueue m_noQueue{m_noTime};
     support::FakeDeviceRegistry m_registry{m_noQueue};
-    linux_platform::LinuxTerminal m_terminal{m_registry};
+    posix_platform::PosixTerminal m_terminal{m_registry};
     support::SerialPlatform m_platform{m_log, m_mainQueue, m_backgroundQueue, m_terminal, m_registry};
 };
 

@@ -94,6 +94,8 @@ QJsonObject Simulator::handle(const QJsonObject& request)
         m_device.order(faultFromJson(request));
     } else if (what == "clearFaults") {
         m_device.clearFaults();
+    } else if (what == "say") {
+        m_line.send({{PtyLine::now(), bytesFromJson(request["bytes"].toString()), false}});
     } else if (what == "hangUpAfterReceiving") {
         m_device.hangUpAfterReceiving(static_cast<std::size_t>(std::max(1, request["count"].toInt())));
     } else if (what == "clearRecords") {

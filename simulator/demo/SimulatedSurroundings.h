@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/NetworkReachability.h"
-#include "platform/System.h"
+#include "platform/WifiInterface.h"
 
 namespace vorrano::demo {
 

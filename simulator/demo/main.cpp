@@ -1,3 +1,4 @@
+#include "app/command_line/CommandLine.h"
 #include "app/program/Program.h"
 #include "platform/linux/UdevDeviceRegistry.h"
 #include "simulator/demo/SimulatedDeviceSource.h"
@@ -10,6 +11,9 @@
 namespace {
 
 using namespace vorrano;
+
+constexpr command_line::Program kProgram{
+    "vorrano-demo", "Vorrano Setup with a simulated Vorrano on the line, and a simulated web service and Wi-Fi."};
 
 // The program itself, with a simulated Vorrano, service, Wi-Fi and network.
 program::Composition composition(const demo::SimulatorProcess& simulator)
@@ -30,6 +34,9 @@ program::Composition composition(const demo::SimulatorProcess& simulator)
 
 int main(int argc, char** argv)
 {
+    if (const auto status = command_line::answer(argc, argv, kProgram)) {
+        return *status;
+    }
     try {
         const demo::SimulatorProcess simulator;
         std::printf("The simulated Vorrano is controlled at %s\n", simulator.controlPath().c_str());

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
@@ -16,9 +17,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// What was written and is never seen waiting has been read, or is still on its way to the reader's side: it arrives
-// within this time.
-constexpr milliseconds kTransit{20};
 constexpr milliseconds kLook{1};
 constexpr milliseconds kLostAfter{1000};
 
@@ -126,14 +124,12 @@ bool PtyLine::lastPieceWasRead()
     if (!m_written) {
         return true;
     }
+    // Polling brings those bytes to the reader's side that are still on their way through the kernel.
+    pollfd reader{m_slave, POLLIN, 0};
+    ::poll(&reader, 1, 0);
     int unread = 0;
     ioctl(m_slave, FIONREAD, &unread);
-    m_seenWaiting = m_seenWaiting || unread > 0;
-    const auto sinceWritten = now() - *m_written;
-    if (unread > 0 && sinceWritten < kLostAfter) {
-        return false;
-    }
-    if (!m_seenWaiting && sinceWritten < kTransit) {
+    if (unread > 0 && now() - *m_written < kLostAfter) {
         return false;
     }
     if (unread > 0) {
@@ -168,7 +164,6 @@ void PtyLine::write(const Piece& piece)
 {
     if (!piece.bytes.empty() && ::write(m_master, piece.bytes.data(), piece.bytes.size()) > 0) {
         m_written = now();
-        m_seenWaiting = false;
         m_listener.sent(piece.bytes);
     }
     if (piece.hangUpAfter) {

@@ -62,7 +62,6 @@ private:
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::deque<Piece> m_pieces;
     std::optional<Moment> m_written;
-    bool m_seenWaiting = false;
     QTimer m_pump;
 };
 

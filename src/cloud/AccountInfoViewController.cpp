@@ -1,15 +1,14 @@
 #include "cloud/AccountInfoViewController.h"
 
-#include "app/session/GlobalVariables.h"
-#include "app/session/TextScreening.h"
 #include "cloud/AccountTexts.h"
 #include "cloud/CloudAlerts.h"
-#include "cloud/ServiceRequests.h"
-#include "cloud/web/Reachability.h"
-#include "cloud/web/ServiceAddress.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
+#include "session/GlobalVariables.h"
+#include "session/TextScreening.h"
+#include "web/Reachability.h"
+#include "web/ServiceAddress.h"
 
 #include <exception>
 
@@ -28,23 +27,51 @@ std::shared_ptr<AccountInfoViewController> AccountInfoViewController::create()
     return controller;
 }
 
+AccountInfoViewController::Fields::Fields(platform::View& view)
+    : accountID(view.textField("accountID"))
+    , password(view.textField("password"))
+    , confirmPassword(view.textField("confirmPassword"))
+    , guestPassword(view.textField("guestPassword"))
+    , confirmGuestPassword(view.textField("confirmGuestPassword"))
+    , email(view.textField("email"))
+    , name(view.textField("name"))
+    , address(view.textField("address"))
+    , address2(view.textField("address2"))
+    , cityName(view.textField("cityName"))
+    , stateName(view.textField("stateName"))
+    , countryName(view.textField("countryName"))
+    , zipCode(view.textField("zipCode"))
+{}
+
+std::array<platform::TextField*, 13> AccountInfoViewController::Fields::all() const
+{
+    return {&accountID, &password, &confirmPassword, &guestPassword, &confirmGuestPassword, &email,  &name,
+            &address,   &address2, &cityName,        &stateName,     &countryName,          &zipCode};
+}
+
+AccountForm AccountInfoViewController::Fields::form() const
+{
+    const web::Account account{
+        .accountID = accountID.text(),
+        .password = password.text(),
+        .guestPassword = guestPassword.text(),
+        .email = email.text(),
+        .name = name.text(),
+        .address = address.text(),
+        .address2 = address2.text(),
+        .cityName = cityName.text(),
+        .stateName = stateName.text(),
+        .countryName = countryName.text(),
+        .zipCode = zipCode.text(),
+    };
+    return {account, confirmPassword.text(), confirmGuestPassword.text()};
+}
+
 AccountInfoViewController::AccountInfoViewController()
     : m_alerts(Platform::current().alerts)
     , m_systemLog(Platform::current().systemLog)
     , m_view(Platform::current().layouts.loadView("AccountInfoViewController"))
-    , m_accountID(m_view->textField("accountID"))
-    , m_password(m_view->textField("password"))
-    , m_confirmPassword(m_view->textField("confirmPassword"))
-    , m_guestPassword(m_view->textField("guestPassword"))
-    , m_confirmGuestPassword(m_view->textField("confirmGuestPassword"))
-    , m_email(m_view->textField("email"))
-    , m_name(m_view->textField("name"))
-    , m_address(m_view->textField("address"))
-    , m_address2(m_view->textField("address2"))
-    , m_cityName(m_view->textField("cityName"))
-    , m_stateName(m_view->textField("stateName"))
-    , m_countryName(m_view->textField("countryName"))
-    , m_zipCode(m_view->textField("zipCode"))
+    , m_fields(*m_view)
     , m_accountInfoHelpLabel(m_view->label("accountInfoHelpLabel"))
 {}
 
@@ -74,9 +101,7 @@ void AccountInfoViewController::awakeFromNib()
     } else {
         m_accountInfoHelpLabel.setHidden(false);
     }
-    for (auto* field :
-         {&m_accountID, &m_password, &m_confirmPassword, &m_guestPassword, &m_confirmGuestPassword, &m_email, &m_name,
-          &m_address, &m_address2, &m_cityName, &m_stateName, &m_countryName, &m_zipCode}) {
+    for (auto* field : m_fields.all()) {
         field->onChange([weak = weak_from_this(), field](Control&) {
             if (const auto self = weak.lock()) {
                 self->controlTextDidChange(*field);
@@ -87,8 +112,8 @@ void AccountInfoViewController::awakeFromNib()
 
 void AccountInfoViewController::requestAccountInfo()
 {
-    m_accountID.setEnabled(false);
-    m_webCall.fetch(accountAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID()),
+    m_fields.accountID.setEnabled(false);
+    m_webCall.fetch(web::accountAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID()),
                     [self = shared_from_this()](const web::Reply& reply) { self->updateViewWithAccountInfo(reply); });
 }
 
@@ -97,36 +122,19 @@ void AccountInfoViewController::updateViewWithAccountInfo(const web::Reply& repl
     // No guard: a value that is no text ends the filling where it stands.
     const auto record = reply.key("data").at(0);
     const auto value = [&record](std::string_view key) { return record.key(key).text().value_or(""); };
-    m_accountID.setText(value("AccountLogin"));
-    m_password.setText(value("Password"));
-    m_confirmPassword.setText(value("Password"));
-    m_email.setText(value("Email"));
-    m_name.setText(value("Name"));
-    m_address.setText(value("Address1"));
-    m_address2.setText(value("Address2"));
-    m_cityName.setText(value("City"));
-    m_stateName.setText(value("State"));
-    m_countryName.setText(value("Country"));
-    m_zipCode.setText(value("ZipCode"));
-    m_guestPassword.setText(value("GuestPassword"));
-    m_confirmGuestPassword.setText(value("GuestPassword"));
-}
-
-AccountForm AccountInfoViewController::form() const
-{
-    return {m_accountID.text(),
-            m_password.text(),
-            m_confirmPassword.text(),
-            m_guestPassword.text(),
-            m_confirmGuestPassword.text(),
-            m_email.text(),
-            m_name.text(),
-            m_address.text(),
-            m_address2.text(),
-            m_cityName.text(),
-            m_stateName.text(),
-            m_countryName.text(),
-            m_zipCode.text()};
+    m_fields.accountID.setText(value("AccountLogin"));
+    m_fields.password.setText(value("Password"));
+    m_fields.confirmPassword.setText(value("Password"));
+    m_fields.email.setText(value("Email"));
+    m_fields.name.setText(value("Name"));
+    m_fields.address.setText(value("Address1"));
+    m_fields.address2.setText(value("Address2"));
+    m_fields.cityName.setText(value("City"));
+    m_fields.stateName.setText(value("State"));
+    m_fields.countryName.setText(value("Country"));
+    m_fields.zipCode.setText(value("ZipCode"));
+    m_fields.guestPassword.setText(value("GuestPassword"));
+    m_fields.confirmGuestPassword.setText(value("GuestPassword"));
 }
 
 void AccountInfoViewController::saveButton(Control&)
@@ -135,15 +143,15 @@ void AccountInfoViewController::saveButton(Control&)
         m_alerts.runModal(networkNotReachableAlert());
         return;
     }
-    const auto entered = form();
+    const auto entered = m_fields.form();
     if (const auto refusal = refusalOf(entered)) {
-        displayAlertWithString(std::string(*refusal));
+        displayAlertWithString(refusal);
         return;
     }
     const bool isNewAccount = GlobalVariables::getUserIsLoggedIn() == "0";
     auto address = isNewAccount
-                       ? newAccountAddress(web::serviceRoot(), entered)
-                       : accountUpdateAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(), entered);
+                       ? web::newAccountAddress(web::serviceRoot(), entered)
+                       : web::accountUpdateAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(), entered);
     m_webCall.fetch(std::move(address),
                     [self = shared_from_this()](const web::Reply& reply) { self->updateUIWithDictionary(reply); });
 }
@@ -153,28 +161,26 @@ void AccountInfoViewController::updateUIWithDictionary(const web::Reply& reply)
     try {
         const auto accountID = reply.key("data").at(0).key("Id").text();
         if (accountID == "-1") {
-            displayAlertWithString(std::string(account_text::kAccountIDTaken));
+            displayAlertWithString(account_text::kAccountIDTaken);
             return;
         }
         // "0" reports success and keeps the account id; no answer at all stores an absent one. Both are intended.
         if (accountID != "0") {
             GlobalVariables::setGlobalAccountID(accountID);
         }
-        m_alerts.runModal(okAlert(account_text::kSavedTitle, account_text::kSaved));
+        m_alerts.runModal(platform::okAlert(account_text::kSavedTitle, account_text::kSaved));
         m_accountInfoHelpLabel.setHidden(true);
-        m_accountID.setEnabled(false);
+        m_fields.accountID.setEnabled(false);
         GlobalVariables::setUserIsLoggedIn("1");
     } catch (const std::exception& exception) {
         m_systemLog.write(std::string("Exception: ") + exception.what());
-        displayAlertWithString(std::string(account_text::kNotSaved));
+        displayAlertWithString(account_text::kNotSaved);
     }
 }
 
-void AccountInfoViewController::displayAlertWithString(const std::optional<std::string>& text)
+void AccountInfoViewController::displayAlertWithString(std::optional<std::string_view> text)
 {
-    if (text) {
-        m_alerts.runModal(okAlert(kErrorTitle, *text));
-    }
+    platform::showError(m_alerts, text);
 }
 
 void AccountInfoViewController::controlTextDidChange(platform::TextField& field)
@@ -192,7 +198,7 @@ void AccountInfoViewController::helpButton3(Control&) { displayHelp(account_text
 
 void AccountInfoViewController::displayHelp(std::string_view text)
 {
-    m_alerts.runModal(okAlert(account_text::kHelpTitle, text));
+    m_alerts.runModal(platform::okAlert(account_text::kHelpTitle, text));
 }
 
 bool AccountInfoViewController::isNetworkConnectionNotReachable() const

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "cloud/AccountForm.h"
-#include "cloud/web/Reply.h"
-#include "cloud/web/WebCall.h"
 #include "platform/Layouts.h"
+#include "web/Reply.h"
+#include "web/WebCall.h"
 
+#include <array>
 #include <map>
 #include <memory>
 #include <optional>
@@ -38,18 +39,6 @@ public:
 
     void awakeFromNib();
 
-    void requestAccountInfo();
-    void updateViewWithAccountInfo(const web::Reply& reply);
-    void saveButton(platform::Control& sender);
-    void updateUIWithDictionary(const web::Reply& reply);
-    // Nothing for an absent text.
-    void displayAlertWithString(const std::optional<std::string>& text);
-    void controlTextDidChange(platform::TextField& field);
-    void helpButton1(platform::Control& sender);
-    void helpButton2(platform::Control& sender);
-    void helpButton3(platform::Control& sender);
-    [[nodiscard]] bool isNetworkConnectionNotReachable() const;
-
     // Of the record, though nothing gives them a value.
     [[nodiscard]] const std::map<std::string, std::string>& accountInfoDictionary() const
     {
@@ -57,30 +46,51 @@ public:
     }
     [[nodiscard]] bool poundSign() const { return m_poundSign; }
 
-private:
+protected:
     AccountInfoViewController();
 
+    void requestAccountInfo();
+    void updateViewWithAccountInfo(const web::Reply& reply);
+    void saveButton(platform::Control& sender);
+    void updateUIWithDictionary(const web::Reply& reply);
+    // Nothing for an absent text.
+    void displayAlertWithString(std::optional<std::string_view> text);
+    void controlTextDidChange(platform::TextField& field);
+    void helpButton1(platform::Control& sender);
+    void helpButton2(platform::Control& sender);
+    void helpButton3(platform::Control& sender);
+    [[nodiscard]] bool isNetworkConnectionNotReachable() const;
+
+private:
+    // The thirteen text fields, named as in AccountForm.
+    struct Fields {
+        explicit Fields(platform::View& view);
+        [[nodiscard]] std::array<platform::TextField*, 13> all() const;
+        [[nodiscard]] AccountForm form() const;
+
+        platform::TextField& accountID;
+        platform::TextField& password;
+        platform::TextField& confirmPassword;
+        platform::TextField& guestPassword;
+        platform::TextField& confirmGuestPassword;
+        platform::TextField& email;
+        platform::TextField& name;
+        platform::TextField& address;
+        platform::TextField& address2;
+        platform::TextField& cityName;
+        platform::TextField& stateName;
+        platform::TextField& countryName;
+        platform::TextField& zipCode;
+    };
+
     void connectActions();
-    [[nodiscard]] AccountForm form() const;
     void displayHelp(std::string_view text);
 
     platform::Alerts& m_alerts;
     platform::SystemLog& m_systemLog;
     web::WebCall m_webCall;
     std::shared_ptr<platform::View> m_view;
-    platform::TextField& m_accountID;
-    platform::TextField& m_password;
-    platform::TextField& m_confirmPassword;
-    platform::TextField& m_guestPassword;
-    platform::TextField& m_confirmGuestPassword;
-    platform::TextField& m_email;
-    platform::TextField& m_name;
-    platform::TextField& m_address;
-    platform::TextField& m_address2;
-    platform::TextField& m_cityName;
-    platform::TextField& m_stateName;
-    platform::TextField& m_countryName;
-    platform::TextField& m_zipCode;
+    Fields m_fields;
     platform::Label& m_accountInfoHelpLabel;
     std::map<std::string, std::string> m_accountInfoDictionary;
     bool m_poundSign = false;

@@ -1,16 +1,15 @@
 #include "cloud/LoginViewController.h"
 
-#include "app/session/GlobalVariables.h"
-#include "app/session/Text.h"
 #include "cloud/CloudAlerts.h"
 #include "cloud/LoginTexts.h"
-#include "cloud/ServiceRequests.h"
-#include "cloud/web/Reachability.h"
-#include "cloud/web/ServiceAddress.h"
 #include "platform/MainQueue.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/WifiInterface.h"
+#include "session/GlobalVariables.h"
+#include "text/Text.h"
+#include "web/Reachability.h"
+#include "web/ServiceAddress.h"
 
 #include <chrono>
 #include <exception>
@@ -24,8 +23,6 @@ using session::GlobalVariables;
 
 namespace {
 
-constexpr double kDimmed = 0.3;
-constexpr double kOpaque = 1.0;
 // Long enough for the person to see that the sign-in went well.
 constexpr std::chrono::milliseconds kDelayOfSetupMenu{500};
 constexpr int kAccepted = 1;
@@ -53,12 +50,12 @@ LoginViewController::LoginViewController(std::shared_ptr<platform::View> view, L
     , m_windows(std::move(windows))
     , m_accountId(m_view->textField("accountId"))
     , m_password(m_view->textField("password"))
-    , m_loginProgressIndicator(m_view->progressIndicator("loginProgressIndicator"))
+    , m_busyDisplay(*m_view)
 {}
 
 LoginViewController::~LoginViewController() { m_view.reset(); }
 
-void LoginViewController::releaseShared() { s_networksScanned = false; }
+void LoginViewController::forgetNetworkScan() { s_networksScanned = false; }
 
 void LoginViewController::connectActions()
 {
@@ -92,12 +89,12 @@ void LoginViewController::loginButton(Control& sender)
     displayAndStartProgressIndicator(sender);
     if (m_accountId.text().empty()) {
         hideAndStopProgressIndicator(m_progressBarSender);
-        m_alerts.runModal(okAlert(kErrorTitle, login_text::kNoAccountID));
+        platform::showError(m_alerts, login_text::kNoAccountID);
         return;
     }
     if (m_password.text().empty()) {
         hideAndStopProgressIndicator(m_progressBarSender);
-        m_alerts.runModal(okAlert(kErrorTitle, login_text::kNoPassword));
+        platform::showError(m_alerts, login_text::kNoPassword);
         return;
     }
     handleLogin();
@@ -107,7 +104,7 @@ void LoginViewController::handleLogin()
 {
     m_loginUser = "1";
     m_accountId.setText(text::trimmingBlanks(m_accountId.text()));
-    m_webCall.fetch(loginAddress(web::serviceRoot(), m_accountId.text(), m_password.text()),
+    m_webCall.fetch(web::loginAddress(web::serviceRoot(), m_accountId.text(), m_password.text()),
                     [self = shared_from_this()](const web::Reply& json) { self->validateLoginWithJSON(json); });
 }
 
@@ -116,7 +113,7 @@ void LoginViewController::validateLoginWithJSON(const web::Reply& json)
     try {
         const auto accountID = json.key("data").at(0).key("Id").text();
         if (accountID == "0") {
-            m_alerts.runModal(okAlert(login_text::kInvalidTitle, login_text::kTryAgain));
+            m_alerts.runModal(platform::okAlert(login_text::kInvalidTitle, login_text::kTryAgain));
             hideAndStopProgressIndicator(m_progressBarSender);
             return;
         }
@@ -126,8 +123,7 @@ void LoginViewController::validateLoginWithJSON(const web::Reply& json)
         m_success = true;
         m_mainQueue.after(kDelayOfSetupMenu, [self = shared_from_this()] { self->navigateToSetupMenu(); });
     } catch (const std::exception&) {
-        m_alerts.runModal(okAlert(login_text::kCouldNotConnectTitle, login_text::kTryAgain));
-        m_view->setAlpha(kOpaque);
+        m_alerts.runModal(platform::okAlert(login_text::kCouldNotConnectTitle, login_text::kTryAgain));
         hideAndStopProgressIndicator(m_progressBarSender);
     }
 }
@@ -147,7 +143,8 @@ void LoginViewController::registerVorranoButton(Control&)
 
 void LoginViewController::agreementDidEnd(int returnCode)
 {
-    if (returnCode == kAccepted) {
+    // Without the agreement a sign-in has opened the setup window meanwhile; accepting opens no second one.
+    if (returnCode == kAccepted && m_eulaWindowViewController) {
         navigateToSetupMenu();
     }
     m_eulaWindowViewController.reset();
@@ -156,25 +153,19 @@ void LoginViewController::agreementDidEnd(int returnCode)
 void LoginViewController::navigateToSetupMenu()
 {
     if (const auto keyWindow = m_layouts.keyWindow()) {
-        keyWindow->close();
+        // A sign-in may succeed while the agreement is open: then the key window is that sheet, and closing the window
+        // under it closes both.
+        auto* const parent = keyWindow->sheetParent();
+        (parent != nullptr ? *parent : *keyWindow).close();
     }
+    m_eulaWindowViewController.reset();
     m_setupMenu = m_windows.makeSetupMenu();
     m_setupMenu->window()->show();
 }
 
-void LoginViewController::displayAndStartProgressIndicator(Control&)
-{
-    m_view->setAlpha(kDimmed);
-    m_loginProgressIndicator.setHidden(false);
-    m_loginProgressIndicator.startAnimation();
-}
+void LoginViewController::displayAndStartProgressIndicator(Control&) { m_busyDisplay.start(); }
 
-void LoginViewController::hideAndStopProgressIndicator(Control*)
-{
-    m_view->setAlpha(kOpaque);
-    m_loginProgressIndicator.setHidden(true);
-    m_loginProgressIndicator.stopAnimation();
-}
+void LoginViewController::hideAndStopProgressIndicator(Control*) { m_busyDisplay.stop(); }
 
 bool LoginViewController::isNetworkConnectionNotReachable() const { return web::isNetworkConnectionNotReachable(); }
 

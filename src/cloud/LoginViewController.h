@@ -1,9 +1,10 @@
 #pragma once
 
 #include "cloud/LoginWindows.h"
-#include "cloud/web/Reply.h"
-#include "cloud/web/WebCall.h"
+#include "platform/BusyDisplay.h"
 #include "platform/Layouts.h"
+#include "web/Reply.h"
+#include "web/WebCall.h"
 
 #include <memory>
 #include <optional>
@@ -59,8 +60,8 @@ public:
         return m_eulaWindowViewController;
     }
 
-    // Forgets that the Wi-Fi scan of this run was made: the program's end.
-    static void releaseShared();
+    // The next controller scans for Wi-Fi networks again: the program's end.
+    static void forgetNetworkScan();
 
 private:
     LoginViewController(std::shared_ptr<platform::View> view, LoginWindows windows);
@@ -77,7 +78,7 @@ private:
     LoginWindows m_windows;
     platform::TextField& m_accountId;
     platform::TextField& m_password;
-    platform::ProgressIndicator& m_loginProgressIndicator;
+    platform::BusyDisplay m_busyDisplay;
     platform::Control* m_progressBarSender = nullptr;
     bool m_success = false;
     std::optional<std::string> m_loginUser;

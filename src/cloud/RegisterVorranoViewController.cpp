@@ -1,18 +1,17 @@
 #include "cloud/RegisterVorranoViewController.h"
 
-#include "app/session/GlobalVariables.h"
-#include "app/session/Text.h"
 #include "cloud/CloudAlerts.h"
 #include "cloud/RegisterTexts.h"
-#include "cloud/ServiceRequests.h"
-#include "cloud/web/Reachability.h"
-#include "cloud/web/ServiceAddress.h"
 #include "device/DeviceCommand.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
+#include "session/GlobalVariables.h"
+#include "text/Text.h"
+#include "web/Reachability.h"
+#include "web/ServiceAddress.h"
 
 #include <exception>
 
@@ -61,8 +60,8 @@ void RegisterVorranoViewController::queryForMacAddress()
     if (index >= ports.size() || ports[index]->path().find(device::kVorranoPath) == std::string::npos) {
         return;
     }
-    setQueryNumber(DeviceCommand::MacAddress);
-    sendRequest(device::bytesOf(DeviceCommand::MacAddress), device::macPacket());
+    m_exchange.setQueryNumber(DeviceCommand::MacAddress);
+    sendRequest(device::bytesOf(DeviceCommand::MacAddress), device::evaluatorOf(DeviceCommand::MacAddress));
 }
 
 serial::SerialPortCallbacks RegisterVorranoViewController::callbacks() const
@@ -91,7 +90,7 @@ void RegisterVorranoViewController::saveButton(Control&)
         return;
     }
     if (m_vorranoName.text().empty()) {
-        displayErrorAlertWithString(std::string(register_text::kNoName));
+        displayErrorAlertWithString(register_text::kNoName);
         return;
     }
     registerVorrano();
@@ -101,36 +100,34 @@ void RegisterVorranoViewController::registerVorrano()
 {
     if (!m_macAddressString) {
         // Without it there is no address to call.
-        displayErrorAlertWithString(std::string(register_text::kNoMacAddress));
+        displayErrorAlertWithString(register_text::kNoMacAddress);
         return;
     }
     const auto self = std::static_pointer_cast<RegisterVorranoViewController>(shared_from_this());
-    m_webCall.fetch(registrationAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(), *m_macAddressString,
-                                        m_vorranoName.text()),
+    m_webCall.fetch(web::registrationAddress(web::serviceRoot(), GlobalVariables::getGlobalAccountID(),
+                                             *m_macAddressString, m_vorranoName.text()),
                     [self](const web::Reply& reply) { self->updateUIWithDictionary(reply); });
 }
 
 void RegisterVorranoViewController::updateUIWithDictionary(const web::Reply&)
 {
     try {
-        displaySuccessAlertWithString(std::string(register_text::kRegistered));
+        displaySuccessAlertWithString(register_text::kRegistered);
     } catch (const std::exception&) {
-        displayErrorAlertWithString(std::string(register_text::kNotRegistered));
+        displayErrorAlertWithString(register_text::kNotRegistered);
     }
 }
 
-void RegisterVorranoViewController::displaySuccessAlertWithString(const std::optional<std::string>& text)
+void RegisterVorranoViewController::displaySuccessAlertWithString(std::optional<std::string_view> text)
 {
     if (text) {
-        m_alerts.runModal(okAlert(register_text::kSuccessTitle, *text));
+        displayAlert(register_text::kSuccessTitle, *text);
     }
 }
 
-void RegisterVorranoViewController::displayErrorAlertWithString(const std::optional<std::string>& text)
+void RegisterVorranoViewController::displayErrorAlertWithString(std::optional<std::string_view> text)
 {
-    if (text) {
-        m_alerts.runModal(okAlert(kErrorTitle, *text));
-    }
+    displayAlertWithMessage(text);
 }
 
 bool RegisterVorranoViewController::isNetworkConnectionNotReachable() const

@@ -1,14 +1,15 @@
 #pragma once
 
-#include "cloud/web/Reply.h"
-#include "cloud/web/WebCall.h"
 #include "device/DeviceTabController.h"
+#include "web/Reply.h"
+#include "web/WebCall.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace vorrano::platform {
 class SystemLog;
@@ -31,17 +32,6 @@ public:
     // Connects, then asks for the MAC address; a device that is plugged in later is connected, but not asked.
     void awakeFromNib() override;
 
-    [[nodiscard]] std::size_t indexOfDevice() override;
-    void queryForMacAddress();
-    void saveButton(platform::Control& sender);
-    void registerVorrano();
-    // Reports success whatever the reply is.
-    void updateUIWithDictionary(const web::Reply& reply);
-    // Nothing for an absent text.
-    void displaySuccessAlertWithString(const std::optional<std::string>& text);
-    void displayErrorAlertWithString(const std::optional<std::string>& text);
-    [[nodiscard]] bool isNetworkConnectionNotReachable() const;
-
     // The reply to the last MAC query, as it came; none until there was one.
     [[nodiscard]] const std::optional<std::string>& macAddressString() const { return m_macAddressString; }
     [[nodiscard]] std::int32_t deviceIndex() const { return m_deviceIndex; }
@@ -52,9 +42,21 @@ public:
     void serialPortRequestDidTimeout(serial::SerialPort& port,
                                      const std::shared_ptr<serial::SerialRequest>& request) override;
 
-private:
+protected:
     RegisterVorranoViewController();
 
+    [[nodiscard]] std::size_t indexOfDevice() override;
+    void queryForMacAddress();
+    void saveButton(platform::Control& sender);
+    void registerVorrano();
+    // Reports success whatever the reply is.
+    void updateUIWithDictionary(const web::Reply& reply);
+    // Nothing for an absent text.
+    void displaySuccessAlertWithString(std::optional<std::string_view> text);
+    void displayErrorAlertWithString(std::optional<std::string_view> text);
+    [[nodiscard]] bool isNetworkConnectionNotReachable() const;
+
+private:
     platform::Alerts& m_alerts;
     platform::SystemLog& m_systemLog;
     web::WebCall m_webCall;

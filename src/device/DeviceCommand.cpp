@@ -1,6 +1,6 @@
 #include "device/DeviceCommand.h"
 
-#include "app/session/Text.h"
+#include "text/Text.h"
 
 #include <cmath>
 
@@ -9,8 +9,6 @@ namespace vorrano::device {
 namespace {
 
 constexpr double kThrottleFactor = 1.5;
-constexpr std::size_t kShortestReply = 4;
-constexpr std::size_t kMacPacketLength = 19;
 
 std::string characterOf(std::uint16_t unit)
 {
@@ -19,7 +17,16 @@ std::string characterOf(std::uint16_t unit)
 
 } // namespace
 
-std::string bytesOf(DeviceCommand command) { return {static_cast<char>(command)}; }
+std::string bytesOf(DeviceCommand command) { return {descriptionOf(command).code}; }
+
+serial::ResponseEvaluator evaluatorOf(DeviceCommand command)
+{
+    const auto& test = descriptionOf(command).replyTest;
+    if (!test) {
+        return {};
+    }
+    return [test = *test](const serial::Bytes& received) { return test.isWhole(received); };
+}
 
 std::string endMark() { return std::string(1, '\0'); }
 
@@ -39,33 +46,6 @@ std::int64_t storedThrottle(std::int64_t throttle)
 std::int32_t throttleFromReply(std::string_view reply)
 {
     return text::saturatingInt32(std::round(text::doubleValue(reply) * kThrottleFactor));
-}
-
-serial::ResponseEvaluator atLeastFourBytes()
-{
-    return [](const serial::Bytes& received) { return received.size() >= kShortestReply; };
-}
-
-serial::ResponseEvaluator macPacket()
-{
-    return [](const serial::Bytes& received) { return received.size() >= kMacPacketLength; };
-}
-
-serial::ResponseEvaluator tripleTerminator(std::size_t minimum)
-{
-    return
-        [minimum](const serial::Bytes& received) { return received.size() >= minimum && received.ends_with("\n\n\r"); };
-}
-
-serial::ResponseEvaluator doubleTerminator()
-{
-    return
-        [](const serial::Bytes& received) { return received.size() >= kShortestReply && received.ends_with("\n\r"); };
-}
-
-serial::ResponseEvaluator always()
-{
-    return [](const serial::Bytes&) { return true; };
 }
 
 } // namespace vorrano::device

@@ -1,9 +1,9 @@
 #include "device/DeviceTabController.h"
 
-#include "app/session/Text.h"
+#include "device/ConnectionNotice.h"
 #include "device/DeviceTexts.h"
-#include "platform/Alerts.h"
 #include "platform/NotificationCentre.h"
+#include "platform/OkAlert.h"
 #include "platform/Platform.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
@@ -23,9 +23,12 @@ namespace {
 
 constexpr unsigned long kBaudRate = 9600;
 constexpr std::chrono::duration<double> kTimeLimit{2.0};
-constexpr std::string_view kSpinner = "loginProgressIndicator";
-constexpr double kDimmed = 0.3;
-constexpr double kOpaque = 1.0;
+
+std::shared_ptr<serial::SerialRequest> makeRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
+{
+    return serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
+        std::move(data), std::any(), kTimeLimit, std::move(evaluator));
+}
 
 bool isVorrano(const std::shared_ptr<SerialPort>& port) { return port->path().find(kVorranoPath) != std::string::npos; }
 
@@ -35,7 +38,8 @@ DeviceTabController::DeviceTabController(std::string_view layoutName)
     : m_alerts(Platform::current().alerts)
     , m_notificationCentre(Platform::current().notificationCentre)
     , m_view(Platform::current().layouts.loadView(layoutName))
-    , m_noVorranoConnectedLabel(m_view->label("noVorranoConnectedLabel"))
+    , m_connectionNoticeLabel(m_view->label("connectionNoticeLabel"))
+    , m_busyDisplay(*m_view)
 {}
 
 DeviceTabController::~DeviceTabController() = default;
@@ -43,9 +47,8 @@ DeviceTabController::~DeviceTabController() = default;
 void DeviceTabController::awakeFromNib()
 {
     initializeSerialPortForCommunication();
-    updateNoVorranoConnectedLabel();
-    m_listObservation = m_portManager->observeAvailablePorts(
-        [this](const serial::SerialPortsChange&) { updateNoVorranoConnectedLabel(); });
+    m_listObservation =
+        m_portManager->observeAvailablePorts([this](const serial::SerialPortsChange&) { updateConnectionNotice(); });
 }
 
 void DeviceTabController::initializeSerialPortForCommunication()
@@ -63,7 +66,8 @@ void DeviceTabController::initializeSerialPortForCommunication()
         // After the opening, which by itself applies the rate that the port had before.
         m_serialPort->setBaudRate(std::make_shared<const unsigned long>(kBaudRate));
     }
-    m_incomingDataBuffer.clear();
+    m_exchange.emptyIncomingDataBuffer();
+    updateConnectionNotice();
 }
 
 std::size_t DeviceTabController::indexOfDevice()
@@ -103,79 +107,86 @@ platform::Subscription DeviceTabController::observeConnections()
         [this](const platform::Notification&) { initializeSerialPortForCommunication(); });
 }
 
-bool DeviceTabController::isVorranoListed() const
+void DeviceTabController::updateConnectionNotice()
 {
     const auto& ports = m_portManager->availablePorts();
-    return std::any_of(ports.begin(), ports.end(), isVorrano);
+    const auto notice =
+        connectionNotice({.isVorranoListed = std::any_of(ports.begin(), ports.end(), isVorrano),
+                          .isPortListed = std::find(ports.begin(), ports.end(), m_serialPort) != ports.end()});
+    m_connectionNoticeLabel.setText(std::string(notice.value_or("")));
+    m_connectionNoticeLabel.setHidden(!notice);
 }
 
-void DeviceTabController::updateNoVorranoConnectedLabel() { m_noVorranoConnectedLabel.setHidden(isVorranoListed()); }
-
-void DeviceTabController::displayAndStartProgressIndicator(platform::Control&)
+void DeviceTabController::connectQuery(std::string_view button, DeviceCommand command)
 {
-    m_view->setAlpha(kDimmed);
-    auto& spinner = m_view->progressIndicator(kSpinner);
-    spinner.setHidden(false);
-    spinner.startAnimation();
+    m_view->button(button).onPress([weak = weak_from_this(), command](platform::Control& sender) {
+        if (const auto self = weak.lock()) {
+            self->query(sender, command);
+        }
+    });
 }
 
-void DeviceTabController::hideAndStopProgressIndicator(platform::Control*)
+void DeviceTabController::connectReset(std::string_view button, DeviceCommand command, std::string_view finished)
 {
-    m_view->setAlpha(kOpaque);
-    auto& spinner = m_view->progressIndicator(kSpinner);
-    spinner.setHidden(true);
-    spinner.stopAnimation();
+    m_view->button(button).onPress([weak = weak_from_this(), command, finished](platform::Control& sender) {
+        if (const auto self = weak.lock()) {
+            self->reset(sender, command, finished);
+        }
+    });
 }
+
+void DeviceTabController::displayAndStartProgressIndicator(platform::Control&) { m_busyDisplay.start(); }
+
+void DeviceTabController::hideAndStopProgressIndicator(platform::Control*) { m_busyDisplay.stop(); }
 
 void DeviceTabController::displayAlertWithMessage(std::optional<std::string_view> message)
 {
-    if (message) {
-        displayAlert(device_text::kErrorTitle, *message);
-    }
+    platform::showError(m_alerts, message);
 }
 
 void DeviceTabController::displayAlert(std::optional<std::string_view> messageText, std::string_view informativeText)
 {
-    m_alerts.runModal(
-        {std::optional<std::string>(messageText), {std::string(device_text::kOk)}, std::string(informativeText)});
+    m_alerts.runModal(platform::okAlert(messageText, informativeText));
 }
 
 void DeviceTabController::sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator)
 {
+    submit(makeRequest(std::move(data), std::move(evaluator)));
+}
+
+void DeviceTabController::submit(const std::shared_ptr<serial::SerialRequest>& request)
+{
     if (m_serialPort) {
-        m_serialPort->sendRequest(serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
-            std::move(data), std::any(), kTimeLimit, std::move(evaluator)));
+        m_serialPort->sendRequest(request);
     }
 }
 
-void DeviceTabController::query(platform::Control& sender, DeviceCommand command, serial::ResponseEvaluator evaluator)
+void DeviceTabController::query(platform::Control& sender, DeviceCommand command)
 {
     displayAndStartProgressIndicator(sender);
-    setQueryNumber(command);
-    sendRequest(bytesOf(command), std::move(evaluator));
+    m_exchange.setQueryNumber(command);
+    const auto request = makeRequest(bytesOf(command), evaluatorOf(command));
+    request->setResponseSecret(command == DeviceCommand::ReadPassword);
+    submit(request);
 }
 
-void DeviceTabController::sendFreeText(platform::Control& sender, DeviceCommand command, std::string value)
+void DeviceTabController::send(platform::Control& sender, DeviceCommand command, std::string argument)
 {
     displayAndStartProgressIndicator(sender);
-    setQueryNumber(command);
+    m_exchange.setQueryNumber(command);
     sendRequest(bytesOf(command));
-    sendRequest(std::move(value));
-    sendRequest(endMark(), atLeastFourBytes());
-}
-
-void DeviceTabController::sendCharacter(platform::Control& sender, DeviceCommand command, std::string character)
-{
-    displayAndStartProgressIndicator(sender);
-    setQueryNumber(command);
-    sendRequest(bytesOf(command));
-    sendRequest(std::move(character), atLeastFourBytes());
+    if (descriptionOf(command).argument == Argument::FreeText) {
+        sendRequest(std::move(argument));
+        sendRequest(endMark(), evaluatorOf(command));
+    } else {
+        sendRequest(std::move(argument), evaluatorOf(command));
+    }
 }
 
 void DeviceTabController::reset(platform::Control& sender, DeviceCommand command, std::string_view finished)
 {
     displayAndStartProgressIndicator(sender);
-    sendRequest(bytesOf(command), always());
+    sendRequest(bytesOf(command), evaluatorOf(command));
     displayAlert(finished, device_text::kSuccess);
     hideAndStopProgressIndicator(&sender);
 }
@@ -184,22 +195,6 @@ void DeviceTabController::write(const serial::Bytes& data)
 {
     if (m_serialPort) {
         m_serialPort->sendData(data);
-    }
-}
-
-void DeviceTabController::writeAwaitingAck(const serial::Bytes& data)
-{
-    write(data);
-    setWaitingForAck();
-}
-
-void DeviceTabController::receive(const serial::Bytes& data) { m_receivedString = text::textFromUtf8(data); }
-
-void DeviceTabController::receiveResponse(const serial::Bytes& response)
-{
-    receive(response);
-    if (m_receivedString && m_queryNumber == DeviceCommand::ReadSSID) {
-        m_receivedString = replaceDollarSignWithSpaces(*m_receivedString);
     }
 }
 

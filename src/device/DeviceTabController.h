@@ -1,6 +1,7 @@
 #pragma once
 
-#include "device/DeviceCommand.h"
+#include "device/DeviceExchange.h"
+#include "platform/BusyDisplay.h"
 #include "platform/Layouts.h"
 #include "platform/Subscription.h"
 #include "serial/SerialPortDelegate.h"
@@ -34,7 +35,7 @@ inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 // each path, so tabs share it, and it has one delegate: the tab that took it last. A tab without a port goes on as
 // ever, only its bytes go nowhere.
 //
-// Controls: the label noVorranoConnectedLabel, shown while no listed path contains kVorranoPath; in a tab that uses the
+// Controls: the label connectionNoticeLabel, shown while the tab's commands reach no Vorrano; in a tab that uses the
 // progress display, loginProgressIndicator.
 // Threads: the main thread; the last reference may fall on any.
 // Lifetime: the setup window's, until the tab is chosen again. Destruction neither closes the port nor takes it away
@@ -51,6 +52,16 @@ public:
     // Connects. The caller's, once it has stored the controller.
     virtual void awakeFromNib();
 
+    // None while there is no port to take.
+    [[nodiscard]] const std::shared_ptr<serial::SerialPort>& serialPort() const { return m_serialPort; }
+    [[nodiscard]] const DeviceExchange& exchange() const { return m_exchange; }
+
+    void serialPortWasRemovedFromSystem(serial::SerialPort& port) override;
+
+protected:
+    // Loads the view of that layout.
+    explicit DeviceTabController(std::string_view layoutName);
+
     // Looks for the port again, takes it, opens it at 9600 baud and empties the incoming buffer.
     void initializeSerialPortForCommunication();
 
@@ -59,12 +70,15 @@ public:
 
     // Another port than the one held: closes that one and leaves it without a delegate, and becomes the new one's.
     void setSerialPort(std::shared_ptr<serial::SerialPort> port);
-    [[nodiscard]] const std::shared_ptr<serial::SerialPort>& serialPort() const { return m_serialPort; }
+
+    // Connects anew whenever a serial device is plugged in, for as long as the token and the tab live.
+    [[nodiscard]] platform::Subscription observeConnections();
 
     // Dims the view and shows the spinner, or undoes it. The control is the one that began the action; none of the tabs
     // keeps it, so what stops the display has null.
     void displayAndStartProgressIndicator(platform::Control& sender);
     void hideAndStopProgressIndicator(platform::Control* sender);
+    [[nodiscard]] platform::BusyDisplay& busyDisplay() { return m_busyDisplay; }
 
     // An error; nothing for an absent message.
     void displayAlertWithMessage(std::optional<std::string_view> message);
@@ -75,47 +89,25 @@ public:
     // Queues a request with the tabs' time limit, 2.0 s. Without an evaluator it is complete once it is written.
     void sendRequest(serial::Bytes data, serial::ResponseEvaluator evaluator = {});
 
-    // Exchanges: each starts the progress display, remembers the command and queues its requests all at once; the last
-    // one's evaluator ends it. A free text goes out with its end mark, a character without.
-    void query(platform::Control& sender, DeviceCommand command, serial::ResponseEvaluator evaluator);
-    void sendFreeText(platform::Control& sender, DeviceCommand command, std::string value);
-    void sendCharacter(platform::Control& sender, DeviceCommand command, std::string character);
+    // Exchanges: each starts the progress display, remembers the command and queues its requests all at once; the
+    // command's reply test, in the last of them, ends it. A free text goes out with its end mark, a character without.
+    void query(platform::Control& sender, DeviceCommand command);
+    void send(platform::Control& sender, DeviceCommand command, std::string argument);
 
     // Sends the reset, waits for nothing, and says that it is finished. The command remembered stays the one before.
     void reset(platform::Control& sender, DeviceCommand command, std::string_view finished);
 
-    // Writes past the queue; what comes back is only data.
+    // Writes past the request queue; what comes back is only data.
     void write(const serial::Bytes& data);
-    void writeAwaitingAck(const serial::Bytes& data);
 
-    // The command sent last: what tells replies apart.
-    [[nodiscard]] const std::optional<DeviceCommand>& queryNumber() const { return m_queryNumber; }
-    void setQueryNumber(DeviceCommand command) { m_queryNumber = command; }
-
-    // The reply, or the chunk, received last; none when it is no UTF-8.
-    [[nodiscard]] const std::optional<std::string>& receivedString() const { return m_receivedString; }
-
-    // Set by each raw write; nothing waits for it.
-    [[nodiscard]] bool waitingForAck() const { return m_waitingForAck; }
-    void setWaitingForAck() { m_waitingForAck = true; }
-
-    [[nodiscard]] const serial::Bytes& incomingDataBuffer() const { return m_incomingDataBuffer; }
-
-    void serialPortWasRemovedFromSystem(serial::SerialPort& port) override;
-
-protected:
-    // Loads the view of that layout.
-    explicit DeviceTabController(std::string_view layoutName);
-
-    // Connects anew whenever a serial device is plugged in, for as long as the token and the tab live.
-    [[nodiscard]] platform::Subscription observeConnections();
-
-    // Presses of the layout's button go to the action, while the tab lives.
+    // Presses of the layout's button go to the action, ask the device that, or reset it, while the tab lives.
     template <class Tab>
     void connect(std::string_view button, void (Tab::*action)(platform::Control&))
     {
         m_view->button(button).onPress(handler(action));
     }
+    void connectQuery(std::string_view button, DeviceCommand command);
+    void connectReset(std::string_view button, DeviceCommand command, std::string_view finished);
     template <class Tab>
     [[nodiscard]] platform::Action handler(void (Tab::*action)(platform::Control&))
     {
@@ -126,28 +118,21 @@ protected:
         };
     }
 
-    // Into receivedString; a response to the question for the SSID with its spaces back.
-    void receive(const serial::Bytes& data);
-    void receiveResponse(const serial::Bytes& response);
-    void forgetReceivedString() { m_receivedString.reset(); }
-
-    serial::Bytes m_incomingDataBuffer;
+    DeviceExchange m_exchange;
 
 private:
-    [[nodiscard]] bool isVorranoListed() const;
-    void updateNoVorranoConnectedLabel();
+    void submit(const std::shared_ptr<serial::SerialRequest>& request);
+    void updateConnectionNotice();
 
     platform::Alerts& m_alerts;
     platform::NotificationCentre& m_notificationCentre;
     std::shared_ptr<platform::View> m_view;
-    platform::Label& m_noVorranoConnectedLabel;
+    platform::Label& m_connectionNoticeLabel;
+    platform::BusyDisplay m_busyDisplay;
     std::shared_ptr<serial::SerialPortManager> m_portManager;
     std::vector<std::shared_ptr<serial::SerialPort>> m_availablePorts;
     std::shared_ptr<serial::SerialPort> m_serialPort;
     platform::Subscription m_listObservation;
-    std::optional<DeviceCommand> m_queryNumber;
-    std::optional<std::string> m_receivedString;
-    bool m_waitingForAck = false;
 };
 
 } // namespace vorrano::device

@@ -1,7 +1,7 @@
 #include "device/FirmwareImage.h"
 
-#include "app/session/Text.h"
 #include "device/DeviceCommand.h"
+#include "text/Text.h"
 
 #include <fstream>
 #include <iterator>
@@ -18,11 +18,11 @@ std::string bytesOfFile(const std::filesystem::path& file)
         throw std::runtime_error("the firmware image is no regular file");
     }
     std::ifstream stream(file, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream.is_open() || stream.bad()) {
+    if (!stream.is_open()) {
         throw std::runtime_error("the firmware image can't be read");
     }
-    return bytes;
+    // A read that fails throws, too.
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 } // namespace

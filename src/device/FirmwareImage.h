@@ -6,7 +6,8 @@
 #include <string_view>
 #include <vector>
 
-// The firmware image: a text file that is sent as it stands, but for its "\n". It is not parsed.
+// The firmware image: a text file that is sent as it stands, but for its "\n". It is not parsed; a byte-order mark at
+// its beginning is a character like any other.
 namespace vorrano::device {
 
 // The whole text; none when the file is not UTF-8. std::runtime_error when it can't be read, or is no regular file.

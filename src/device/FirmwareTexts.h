@@ -20,6 +20,8 @@ inline constexpr std::string_view kNoUpload = "Failed to upload data";
 inline constexpr std::string_view kProblemEnteringBootloader = "Encountered problem with entering bootloader";
 inline constexpr std::string_view kProblemUploading = "Encountered problem with uploading data";
 inline constexpr std::string_view kProblemDuringImage = "Problem encountered during final bootloader sequence";
+// Shown by a desktop to the person who wants the computer to sleep meanwhile.
+inline constexpr std::string_view kUploading = "The firmware of the Vorrano is being updated";
 inline constexpr std::string_view kFinished = "Finished Updating Firmware";
 
 } // namespace vorrano::device::firmware_text

@@ -1,20 +1,19 @@
 #include "device/FirmwareUpdate.h"
 
-#include "app/session/Text.h"
-#include "cloud/web/Reply.h"
-#include "cloud/web/ServiceAddress.h"
-#include "device/DeviceTabController.h"
 #include "device/DeviceTexts.h"
 #include "device/FirmwareImage.h"
 #include "device/FirmwareTexts.h"
 #include "device/FirmwareVersion.h"
-#include "platform/Alerts.h"
-#include "platform/BackgroundQueue.h"
+#include "platform/BusyDisplay.h"
+#include "platform/OkAlert.h"
 #include "platform/OpenPanel.h"
+#include "platform/Pause.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
-#include "platform/UrlFetch.h"
+#include "platform/StayAwake.h"
+#include "text/Text.h"
+#include "web/ServiceAddress.h"
 
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -39,26 +38,13 @@ std::string proceedQuestion()
 
 } // namespace
 
-std::optional<std::string> FirmwareAnswer::text() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_text;
-}
-
-void FirmwareAnswer::setText(std::optional<std::string> text)
-{
-    const std::lock_guard lock(m_mutex);
-    m_text = std::move(text);
-}
-
-FirmwareUpdate::FirmwareUpdate(DeviceTabController& tab)
-    : m_tab(tab)
+FirmwareUpdate::FirmwareUpdate(FirmwareLine& line, platform::BusyDisplay& busyDisplay)
+    : m_line(line)
+    , m_busyDisplay(busyDisplay)
     , m_alerts(Platform::current().alerts)
     , m_openPanel(Platform::current().openPanel)
     , m_pause(Platform::current().pause)
-    , m_backgroundQueue(Platform::current().backgroundQueue)
-    , m_mainQueue(Platform::current().mainQueue)
-    , m_urlFetch(Platform::current().urlFetch)
+    , m_stayAwake(Platform::current().stayAwake)
 {}
 
 int FirmwareUpdate::ask(std::string question)
@@ -69,18 +55,22 @@ int FirmwareUpdate::ask(std::string question)
                               platform::AlertStyle::Warning});
 }
 
-void FirmwareUpdate::buttonUpdateFirmware(platform::Control& sender)
+void FirmwareUpdate::display(std::string_view messageText, std::string_view informativeText)
+{
+    m_alerts.runModal(platform::okAlert(messageText, informativeText));
+}
+
+void FirmwareUpdate::buttonUpdateFirmware()
 {
     const auto answer = ask(std::string(firmware_text::kPcConnectedQuestion));
     if (answer == platform::kAlertSecondButton) {
         m_readVersion = false;
-        m_tab.displayAndStartProgressIndicator(sender);
+        m_busyDisplay.start();
         beginUpdate();
     } else if (answer == platform::kAlertFirstButton) {
-        m_tab.displayAndStartProgressIndicator(sender);
+        m_busyDisplay.start();
         m_readVersion = true;
-        m_tab.setQueryNumber(DeviceCommand::FirmwareVersion);
-        m_tab.writeAwaitingAck(bytesOf(DeviceCommand::FirmwareVersion));
+        m_line.writeQuery(DeviceCommand::FirmwareVersion);
     }
 }
 
@@ -89,36 +79,24 @@ void FirmwareUpdate::checkLatestFirmware(std::string_view deviceVersion)
     m_pause.pause(kCheckPause);
     const double version = text::doubleValue(deviceVersion);
     const auto whole = wholeVersion(version);
-    fetchLatestFirmware(whole);
+    m_latestFirmware.fetch(whole);
     m_pause.pause(kCheckPause);
-    const double latest = latestVersion(m_data->text(), whole);
+    const double latest = latestVersion(m_latestFirmware.answer(), whole);
     m_pause.pause(kCheckPause);
     if (version == latest) {
-        m_tab.displayAlert(firmware_text::kUpToDate, firmware_text::kLatestVersion);
-        m_tab.hideAndStopProgressIndicator(nullptr);
+        display(firmware_text::kUpToDate, firmware_text::kLatestVersion);
+        m_busyDisplay.stop();
     } else {
         beginUpdate();
     }
     m_readVersion = false;
 }
 
-void FirmwareUpdate::fetchLatestFirmware(std::int32_t whole)
-{
-    m_backgroundQueue.async([address = latestFirmwareAddress(web::serviceRoot(), whole), data = m_data,
-                             &urlFetch = m_urlFetch, &mainQueue = m_mainQueue] {
-        const auto body = urlFetch.contentsOfUrl(address);
-        // Parsed, but an answer that is no JSON counts as much: the version stands at a fixed place of its text.
-        static_cast<void>(web::Reply::parsed(body));
-        data->setText(firmwareAnswerOf(body));
-        mainQueue.async([] {});
-    });
-}
-
 void FirmwareUpdate::beginUpdate()
 {
     const auto answer = ask(proceedQuestion());
     if (answer == platform::kAlertSecondButton) {
-        m_tab.hideAndStopProgressIndicator(nullptr);
+        m_busyDisplay.stop();
         return;
     }
     if (answer != platform::kAlertFirstButton) {
@@ -138,13 +116,13 @@ void FirmwareUpdate::bootloaderDidAnswer(const std::optional<std::string>& chunk
         if (chunk == kBootloaderPrompt) {
             UpdateFirmwareWrite();
         } else {
-            m_tab.displayAlert(firmware_text::kNoBootloader, device_text::kError);
+            display(firmware_text::kNoBootloader, device_text::kError);
         }
     } else if (m_bootloaderSequence == BootloaderSequence::Two) {
         if (chunk == kUploadPrompt) {
             UpdateFirmwareWrite2();
         } else {
-            m_tab.displayAlert(firmware_text::kNoUpload, device_text::kError);
+            display(firmware_text::kNoUpload, device_text::kError);
         }
     }
 }
@@ -152,10 +130,10 @@ void FirmwareUpdate::bootloaderDidAnswer(const std::optional<std::string>& chunk
 void FirmwareUpdate::UpdateFirmwareResetAndEnterBootloader()
 {
     try {
-        m_tab.writeAwaitingAck(bytesOf(DeviceCommand::ResetDevice));
-        m_tab.writeAwaitingAck(bytesOf(DeviceCommand::EnterBootloader));
+        m_line.writeAwaitingAck(bytesOf(DeviceCommand::ResetDevice));
+        m_line.writeAwaitingAck(bytesOf(DeviceCommand::EnterBootloader));
     } catch (const std::exception&) {
-        m_tab.displayAlert(firmware_text::kProblemEnteringBootloader, device_text::kError);
+        display(firmware_text::kProblemEnteringBootloader, device_text::kError);
     }
 }
 
@@ -163,9 +141,9 @@ void FirmwareUpdate::UpdateFirmwareWrite()
 {
     try {
         m_bootloaderSequence = BootloaderSequence::Two;
-        m_tab.writeAwaitingAck(bytesOf(DeviceCommand::StartUpload));
+        m_line.writeAwaitingAck(bytesOf(DeviceCommand::StartUpload));
     } catch (const std::exception&) {
-        m_tab.displayAlert(firmware_text::kProblemUploading, device_text::kError);
+        display(firmware_text::kProblemUploading, device_text::kError);
     }
 }
 
@@ -173,13 +151,14 @@ void FirmwareUpdate::UpdateFirmwareWrite2()
 {
     try {
         m_bootloaderSequence = BootloaderSequence::Three;
+        const auto awake = m_stayAwake.stayAwake(firmware_text::kUploading);
         writeImage();
     } catch (const std::exception&) {
-        m_tab.displayAlert(firmware_text::kProblemDuringImage, device_text::kError);
+        display(firmware_text::kProblemDuringImage, device_text::kError);
     }
     // Said after a failure too.
-    m_tab.displayAlert(firmware_text::kFinished, device_text::kSuccess);
-    m_tab.hideAndStopProgressIndicator(nullptr);
+    display(firmware_text::kFinished, device_text::kSuccess);
+    m_busyDisplay.stop();
 }
 
 void FirmwareUpdate::writeImage()
@@ -190,7 +169,7 @@ void FirmwareUpdate::writeImage()
     }
     for (const auto line : linesOfImage(*image)) {
         for (const auto& character : charactersOfLine(line)) {
-            m_tab.writeAwaitingAck(character);
+            m_line.writeAwaitingAck(character);
         }
         m_pause.pause(kLinePause);
     }

@@ -1,38 +1,38 @@
 #pragma once
 
-#include <chrono>
-#include <cstdint>
+#include "device/DeviceCommand.h"
+#include "device/LatestFirmware.h"
+#include "serial/SerialRequest.h"
+
 #include <filesystem>
-#include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace vorrano::platform {
 class Alerts;
-class BackgroundQueue;
-class Control;
-class MainQueue;
+class BusyDisplay;
 class OpenPanel;
 class Pause;
-class UrlFetch;
+class StayAwake;
 } // namespace vorrano::platform
 
 namespace vorrano::device {
 
-class DeviceTabController;
-
-// What the service answered about the latest firmware. Any thread: it is written by a task that may outlive the tab, or
-// come to its end during a later check.
-class FirmwareAnswer {
+// The line to the device, as the update uses it: past the request queue.
+class FirmwareLine {
 public:
-    [[nodiscard]] std::optional<std::string> text() const;
-    void setText(std::optional<std::string> text);
+    FirmwareLine() = default;
+    FirmwareLine(const FirmwareLine&) = delete;
+    FirmwareLine& operator=(const FirmwareLine&) = delete;
 
-private:
-    mutable std::mutex m_mutex;
-    std::optional<std::string> m_text;
+    // Writes the command, and remembers it as the one that what comes next answers.
+    virtual void writeQuery(DeviceCommand command) = 0;
+    // Writes and notes that an acknowledgement is due; nothing waits for it.
+    virtual void writeAwaitingAck(const serial::Bytes& data) = 0;
+
+protected:
+    ~FirmwareLine() = default;
 };
 
 // How far the dialogue with the bootloader has come: waiting for its prompt, for the prompt of the upload, or past
@@ -43,13 +43,14 @@ enum class BootloaderSequence { None, One, Two, Three };
 // of an image that the person has downloaded. The bootloader is answered through the tab's data callback.
 //
 // The step is never cleared: after an update that came to nothing the tab goes on to read every chunk as at that step.
+// It is the controller's: choosing the tab again makes a new controller, which begins without a step.
 // Threads: the main thread, which the check and the upload hold with their pauses.
-// Lifetime: its tab's.
+// Lifetime: its tab's, which is the line.
 class FirmwareUpdate {
 public:
-    explicit FirmwareUpdate(DeviceTabController& tab);
+    FirmwareUpdate(FirmwareLine& line, platform::BusyDisplay& busyDisplay);
 
-    void buttonUpdateFirmware(platform::Control& sender);
+    void buttonUpdateFirmware();
 
     // Whether the device's version is being read for the check.
     [[nodiscard]] bool readVersion() const { return m_readVersion; }
@@ -59,36 +60,33 @@ public:
     // short is a std::out_of_range, and leaves everything as it was at that point.
     void checkLatestFirmware(std::string_view deviceVersion);
 
-    void beginUpdate();
-
     // A chunk that came while an update waits for the bootloader; none that is no UTF-8.
     void bootloaderDidAnswer(const std::optional<std::string>& chunk);
-
-    void UpdateFirmwareResetAndEnterBootloader();
-    void UpdateFirmwareWrite();
-    void UpdateFirmwareWrite2();
 
     [[nodiscard]] BootloaderSequence strBootloaderSequence() const { return m_bootloaderSequence; }
     [[nodiscard]] const std::filesystem::path& filename() const { return m_filename; }
     // The service's answer, or that of an earlier check; none before the first.
-    [[nodiscard]] std::optional<std::string> data() const { return m_data->text(); }
+    [[nodiscard]] std::optional<std::string> data() const { return m_latestFirmware.answer(); }
 
 private:
     [[nodiscard]] int ask(std::string question);
-    void fetchLatestFirmware(std::int32_t whole);
+    void display(std::string_view messageText, std::string_view informativeText);
+    void beginUpdate();
+    void UpdateFirmwareResetAndEnterBootloader();
+    void UpdateFirmwareWrite();
+    void UpdateFirmwareWrite2();
     void writeImage();
 
-    DeviceTabController& m_tab;
+    FirmwareLine& m_line;
+    platform::BusyDisplay& m_busyDisplay;
     platform::Alerts& m_alerts;
     platform::OpenPanel& m_openPanel;
     platform::Pause& m_pause;
-    platform::BackgroundQueue& m_backgroundQueue;
-    platform::MainQueue& m_mainQueue;
-    platform::UrlFetch& m_urlFetch;
+    platform::StayAwake& m_stayAwake;
+    LatestFirmware m_latestFirmware;
     bool m_readVersion = false;
     BootloaderSequence m_bootloaderSequence = BootloaderSequence::None;
     std::filesystem::path m_filename;
-    std::shared_ptr<FirmwareAnswer> m_data = std::make_shared<FirmwareAnswer>();
 };
 
 } // namespace vorrano::device

@@ -1,7 +1,6 @@
 #include "device/FirmwareVersion.h"
 
-#include "app/session/Text.h"
-#include "cloud/web/ServiceAddress.h"
+#include "text/Text.h"
 
 #include <cmath>
 #include <cstddef>
@@ -17,11 +16,6 @@ constexpr std::size_t kMostOfAnAnswer = 4096;
 } // namespace
 
 std::int32_t wholeVersion(double deviceVersion) { return text::saturatingInt32(std::floor(deviceVersion)); }
-
-std::string latestFirmwareAddress(std::string_view root, std::int32_t whole)
-{
-    return std::string(root).append(web::kGetLatestFirmware).append(std::to_string(whole));
-}
 
 std::optional<std::string> firmwareAnswerOf(const std::optional<std::string>& body)
 {

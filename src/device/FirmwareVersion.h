@@ -11,8 +11,6 @@ namespace vorrano::device {
 // The part of the device's version before the point, as the service is asked about it.
 [[nodiscard]] std::int32_t wholeVersion(double deviceVersion);
 
-[[nodiscard]] std::string latestFirmwareAddress(std::string_view root, std::int32_t whole);
-
 // What is kept of the service's answer: the body as text, but no more of it than a version can stand in, as the body
 // may be very long. Empty when no body came; none when it is no UTF-8.
 [[nodiscard]] std::optional<std::string> firmwareAnswerOf(const std::optional<std::string>& body);

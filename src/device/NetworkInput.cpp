@@ -1,10 +1,10 @@
 #include "device/NetworkInput.h"
 
-#include "app/session/Text.h"
-#include "app/session/TextScreening.h"
 #include "device/DeviceTexts.h"
 #include "device/UtilitiesTexts.h"
 #include "device/WifiTexts.h"
+#include "session/TextScreening.h"
+#include "text/Text.h"
 
 #include <cstddef>
 

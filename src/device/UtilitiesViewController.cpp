@@ -1,12 +1,13 @@
 #include "device/UtilitiesViewController.h"
 
-#include "app/session/Text.h"
 #include "device/DeviceTexts.h"
 #include "device/NetworkInput.h"
 #include "device/UtilitiesTexts.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
+#include "serial/SerialPort.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <exception>
@@ -21,24 +22,6 @@ namespace {
 // 20 is refused, though the message names it.
 constexpr std::int64_t kSmallestThrottle = 21;
 constexpr std::int64_t kLargestThrottle = 90;
-constexpr std::size_t kShortestFirmwareVersion = 6;
-constexpr std::size_t kShortestWifiFirmwareVersion = 13;
-constexpr std::size_t kMacPacketLength = 19;
-constexpr std::string_view kZeroLine = "0\n\r";
-constexpr std::string_view kOneLine = "1\n\r";
-constexpr std::string_view kOkLine = "OK\n\r";
-constexpr const char* kWithheld = "(withheld)";
-
-std::optional<std::string_view> unitOfReply(const std::optional<std::string>& reply)
-{
-    if (reply == kZeroLine) {
-        return utilities_text::kFahrenheit;
-    }
-    if (reply == kOneLine) {
-        return utilities_text::kCelsius;
-    }
-    return std::nullopt;
-}
 
 std::uint16_t numberOfUnit(const std::optional<std::string>& title)
 {
@@ -60,33 +43,33 @@ std::shared_ptr<UtilitiesViewController> UtilitiesViewController::create()
 
 UtilitiesViewController::UtilitiesViewController()
     : DeviceTabController("UtilitiesViewController")
-    , m_systemLog(Platform::current().systemLog)
     , m_setSSID(view()->textField("setSSID"))
     , m_setPassword(view()->textField("setPassword"))
     , m_setThrottleTextField(view()->textField("setThrottleTextField"))
     , m_temperatureDisplayUnitButton(view()->popUpButton("temperatureDisplayUnitButton"))
-    , m_firmwareUpdate(*this)
+    , m_replies(m_exchange)
+    , m_firmwareUpdate(*this, busyDisplay())
 {}
 
 void UtilitiesViewController::connectActions()
 {
     using Tab = UtilitiesViewController;
-    connect("buttonPowerStatus", &Tab::buttonPowerStatus);
-    connect("buttonMacAddress", &Tab::buttonMacAddress);
-    connect("buttonFirmwareVersion", &Tab::buttonFirmwareVersion);
-    connect("wifiFirmwareQuery", &Tab::wifiFirmwareQuery);
-    connect("buttonGetSSID", &Tab::buttonGetSSID);
-    connect("buttonGetNetworkPassword", &Tab::buttonGetNetworkPassword);
-    connect("buttonADC", &Tab::buttonADC);
+    connectQuery("buttonPowerStatus", DeviceCommand::PowerStatus);
+    connectQuery("buttonMacAddress", DeviceCommand::MacAddress);
+    connectQuery("buttonGetSSID", DeviceCommand::ReadSSID);
+    connectQuery("buttonGetNetworkPassword", DeviceCommand::ReadPassword);
+    connectQuery("buttonGetThrottle", DeviceCommand::ReadThrottle);
+    connectRawQuery("buttonFirmwareVersion", DeviceCommand::FirmwareVersion);
+    connectRawQuery("wifiFirmwareQuery", DeviceCommand::WifiFirmwareVersion);
+    connectRawQuery("buttonADC", DeviceCommand::AdcVersion);
+    connectRawQuery("buttonGetTemperatureUnit", DeviceCommand::ReadTemperatureUnit);
+    connectReset("resetDevice", DeviceCommand::ResetDevice, device_text::kFinishedResettingDevice);
+    connectReset("resetModem", DeviceCommand::ResetModem, utilities_text::kFinishedResettingModem);
     connect("buttonNetworkConnectivityStatus", &Tab::buttonNetworkConnectivityStatus);
-    connect("buttonGetThrottle", &Tab::buttonGetThrottle);
     connect("buttonSetSSID", &Tab::buttonSetSSID);
     connect("buttonSetPassword", &Tab::buttonSetPassword);
     connect("buttonSetThrottle", &Tab::buttonSetThrottle);
-    connect("buttonGetTemperatureUnit", &Tab::buttonGetTemperatureUnit);
     connect("buttonSetTemperatureUnit", &Tab::buttonSetTemperatureUnit);
-    connect("resetDevice", &Tab::resetDevice);
-    connect("resetModem", &Tab::resetModem);
     connect("buttonUpdateFirmware", &Tab::buttonUpdateFirmware);
 }
 
@@ -113,49 +96,30 @@ void UtilitiesViewController::setUpTemperatureDisplayPopupButton()
     m_temperatureDisplayUnitButton.selectItem(titles[1]);
 }
 
-void UtilitiesViewController::buttonPowerStatus(Control& sender)
+void UtilitiesViewController::connectRawQuery(std::string_view button, DeviceCommand command)
 {
-    query(sender, DeviceCommand::PowerStatus, atLeastFourBytes());
+    view()->button(button).onPress([weak = weak_from_this(), command](Control&) {
+        if (const auto self = weak.lock()) {
+            static_cast<UtilitiesViewController&>(*self).writeQuery(command);
+        }
+    });
 }
 
-void UtilitiesViewController::buttonMacAddress(Control& sender)
+void UtilitiesViewController::writeQuery(DeviceCommand command)
 {
-    query(sender, DeviceCommand::MacAddress, macPacket());
-}
-
-void UtilitiesViewController::buttonGetSSID(Control& sender)
-{
-    query(sender, DeviceCommand::ReadSSID, tripleTerminator(kShortestStoredText));
-}
-
-void UtilitiesViewController::buttonGetNetworkPassword(Control& sender)
-{
-    m_passwordsOnTheirWay += serialPort() ? 1 : 0;
-    query(sender, DeviceCommand::ReadPassword, tripleTerminator(kShortestStoredText));
-}
-
-void UtilitiesViewController::buttonGetThrottle(Control& sender)
-{
-    query(sender, DeviceCommand::ReadThrottle, atLeastFourBytes());
-}
-
-void UtilitiesViewController::buttonFirmwareVersion(Control&) { queryRaw(DeviceCommand::FirmwareVersion); }
-
-void UtilitiesViewController::wifiFirmwareQuery(Control&) { queryRaw(DeviceCommand::WifiFirmwareVersion); }
-
-void UtilitiesViewController::buttonADC(Control&) { queryRaw(DeviceCommand::AdcVersion); }
-
-void UtilitiesViewController::buttonGetTemperatureUnit(Control&) { queryRaw(DeviceCommand::ReadTemperatureUnit); }
-
-void UtilitiesViewController::queryRaw(DeviceCommand command)
-{
-    setQueryNumber(command);
+    m_exchange.setQueryNumber(command);
     writeAwaitingAck(bytesOf(command));
+}
+
+void UtilitiesViewController::writeAwaitingAck(const serial::Bytes& data)
+{
+    write(data);
+    m_exchange.setWaitingForAck();
 }
 
 void UtilitiesViewController::buttonNetworkConnectivityStatus(Control&)
 {
-    setQueryNumber(DeviceCommand::ConnectivityStatus);
+    m_exchange.setQueryNumber(DeviceCommand::ConnectivityStatus);
     write(bytesOf(DeviceCommand::ConnectivityStatus));
 }
 
@@ -166,7 +130,7 @@ void UtilitiesViewController::buttonSetSSID(Control& sender)
         displayAlertWithMessage(refusal);
         return;
     }
-    sendFreeText(sender, DeviceCommand::SetSSID, replaceSSIDSpacesWithDollarSign(ssid));
+    send(sender, DeviceCommand::SetSSID, replaceSSIDSpacesWithDollarSign(ssid));
 }
 
 void UtilitiesViewController::buttonSetPassword(Control& sender)
@@ -176,41 +140,31 @@ void UtilitiesViewController::buttonSetPassword(Control& sender)
         displayAlertWithMessage(refusal);
         return;
     }
-    sendFreeText(sender, DeviceCommand::SetPassword, password);
+    send(sender, DeviceCommand::SetPassword, password);
 }
 
 void UtilitiesViewController::buttonSetThrottle(Control& sender)
 {
     // Even when the input is refused.
-    setQueryNumber(DeviceCommand::SetThrottle);
-    setWaitingForAck();
+    m_exchange.setQueryNumber(DeviceCommand::SetThrottle);
+    m_exchange.setWaitingForAck();
     const auto throttle = text::integerValue(m_setThrottleTextField.text());
     if (throttle < kSmallestThrottle || throttle > kLargestThrottle) {
         displayAlert(utilities_text::kInvalidThrottle, utilities_text::kThrottleRange);
         return;
     }
-    sendCharacter(sender, DeviceCommand::SetThrottle, characterOfLow8Bits(storedThrottle(throttle)));
+    send(sender, DeviceCommand::SetThrottle, characterOfLow8Bits(storedThrottle(throttle)));
 }
 
 void UtilitiesViewController::buttonSetTemperatureUnit(Control&)
 {
-    setQueryNumber(DeviceCommand::SetTemperatureUnit);
-    setWaitingForAck();
+    m_exchange.setQueryNumber(DeviceCommand::SetTemperatureUnit);
+    m_exchange.setWaitingForAck();
     write(bytesOf(DeviceCommand::SetTemperatureUnit));
     write(characterOfLow16Bits(numberOfUnit(m_temperatureDisplayUnitButton.titleOfSelectedItem())));
 }
 
-void UtilitiesViewController::resetDevice(Control& sender)
-{
-    reset(sender, DeviceCommand::ResetDevice, device_text::kFinishedResettingDevice);
-}
-
-void UtilitiesViewController::resetModem(Control& sender)
-{
-    reset(sender, DeviceCommand::ResetModem, utilities_text::kFinishedResettingModem);
-}
-
-void UtilitiesViewController::buttonUpdateFirmware(Control& sender) { m_firmwareUpdate.buttonUpdateFirmware(sender); }
+void UtilitiesViewController::buttonUpdateFirmware(Control&) { m_firmwareUpdate.buttonUpdateFirmware(); }
 
 serial::SerialPortCallbacks UtilitiesViewController::callbacks() const
 {
@@ -218,19 +172,16 @@ serial::SerialPortCallbacks UtilitiesViewController::callbacks() const
     return {WasRemovedFromSystem, DidReceiveData, DidReceiveResponseToRequest, RequestDidTimeout};
 }
 
-void UtilitiesViewController::serialPortDidReceiveResponseToRequest(
-    serial::SerialPort&, const serial::Bytes& response, const std::shared_ptr<serial::SerialRequest>& request)
+void UtilitiesViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&, const serial::Bytes& response,
+                                                                    const std::shared_ptr<serial::SerialRequest>&)
 {
-    receiveResponse(response);
-    if (request->dataToSend() == bytesOf(DeviceCommand::ReadPassword)) {
-        --m_passwordsOnTheirWay;
-    }
-    const bool throttle = queryNumber() == DeviceCommand::ReadThrottle;
+    m_exchange.receiveResponse(response);
+    const bool throttle = m_exchange.queryNumber() == DeviceCommand::ReadThrottle;
     hideAndStopProgressIndicator(nullptr);
     if (throttle) {
-        displayThrottle();
+        m_replies.displayThrottle();
     } else {
-        displayAlert(receivedString(), device_text::kSuccess);
+        displayAlert(m_exchange.receivedString(), device_text::kSuccess);
     }
 }
 
@@ -241,10 +192,10 @@ void UtilitiesViewController::serialPortRequestDidTimeout(serial::SerialPort&,
     displayAlertWithMessage(device_text::kTryAgain);
 }
 
-void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort&, const serial::Bytes& data)
+void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort& port, const serial::Bytes& data)
 {
-    receive(data);
-    m_incomingDataBuffer += data;
+    m_exchange.receiveChunk(data);
+    m_exchange.setChunkSecret(port.isReceivedDataSecret());
     routeToBootloader();
     routeByQueryNumber();
 }
@@ -252,7 +203,7 @@ void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort&, cons
 void UtilitiesViewController::routeToBootloader()
 {
     try {
-        m_firmwareUpdate.bootloaderDidAnswer(receivedString());
+        m_firmwareUpdate.bootloaderDidAnswer(m_exchange.receivedString());
     } catch (const std::exception&) {
         // Whatever becomes of the update, the chunk is still read as an answer.
     }
@@ -260,108 +211,52 @@ void UtilitiesViewController::routeToBootloader()
 
 void UtilitiesViewController::routeByQueryNumber()
 {
-    if (!queryNumber()) {
+    if (!m_exchange.queryNumber()) {
         return;
     }
-    switch (*queryNumber()) {
+    switch (*m_exchange.queryNumber()) {
     case DeviceCommand::ReadTemperatureUnit:
-        displayTemperatureUnit();
+        m_replies.displayTemperatureUnit();
         break;
     case DeviceCommand::SetTemperatureUnit:
-        displayTemperatureUnitSetAlert();
+        m_replies.displayTemperatureUnitSetAlert();
         break;
     case DeviceCommand::AdcVersion:
-        displayADC();
+        m_replies.displayADC();
         break;
     case DeviceCommand::ConnectivityStatus:
-        displayNetworkConnectivity();
+        m_replies.displayNetworkConnectivity();
         break;
     case DeviceCommand::FirmwareVersion:
         displayFirmwareVersion();
         break;
     case DeviceCommand::WifiFirmwareVersion:
-        displayWifiFirmwareVersion();
+        m_replies.displayWifiFirmwareVersion();
         break;
     default:
         break;
     }
 }
 
-void UtilitiesViewController::displayADC() { displayGathered(m_adcNumber, utilities_text::kAdcVersion); }
-
-void UtilitiesViewController::displayNetworkConnectivity()
-{
-    displayGathered(m_connectivityStatus, utilities_text::kConnected);
-}
-
-// The first chunk only begins the gathering; the alert comes with a later one that holds no zero line.
-void UtilitiesViewController::displayGathered(std::optional<std::string>& gathered, std::string_view informativeText)
-{
-    m_passwordWasGathered = m_passwordWasGathered || m_passwordsOnTheirWay > 0;
-    if (!gathered) {
-        gathered = receivedString();
-        forgetReceivedString();
-    }
-    const auto& chunk = receivedString();
-    if (chunk) {
-        *gathered += *chunk;
-    }
-    if (!chunk || chunk->find(kZeroLine) != std::string::npos) {
-        m_systemLog.write("The string is " + (m_passwordWasGathered ? kWithheld : gathered.value_or("(null)")));
-        return;
-    }
-    displayAlert(gathered, informativeText);
-    gathered.reset();
-    m_passwordWasGathered = m_passwordWasGathered && (m_connectivityStatus || m_adcNumber);
-}
-
 void UtilitiesViewController::displayFirmwareVersion()
 {
-    if (m_firmwareUpdate.readVersion()) {
-        m_firmwareUpdate.checkLatestFirmware(receivedString().value_or(""));
-        forgetReceivedString();
+    if (!m_firmwareUpdate.readVersion()) {
+        m_replies.displayFirmwareVersion();
         return;
     }
-    displayVersion(kShortestFirmwareVersion, utilities_text::kFirmwareVersion);
-}
-
-void UtilitiesViewController::displayWifiFirmwareVersion()
-{
-    displayVersion(kShortestWifiFirmwareVersion, utilities_text::kWifiFirmwareVersion);
-}
-
-void UtilitiesViewController::displayVersion(std::size_t shortest, std::string_view informativeText)
-{
-    if (receivedString() && text::utf16Length(*receivedString()) >= shortest) {
-        displayAlert(receivedString(), informativeText);
-        forgetReceivedString();
-    }
-}
-
-void UtilitiesViewController::displayThrottle()
-{
-    const auto throttle = throttleFromReply(receivedString().value_or(""));
-    displayAlert(std::to_string(throttle), utilities_text::kThrottle);
-}
-
-void UtilitiesViewController::displayTemperatureUnit() { displayAlert(unitOfReply(receivedString()), ""); }
-
-void UtilitiesViewController::displayTemperatureUnitSetAlert()
-{
-    if (receivedString() == kOkLine) {
-        displayAlert(receivedString(), "");
-    }
+    m_firmwareUpdate.checkLatestFirmware(m_exchange.receivedString().value_or(""));
+    m_exchange.forgetReceivedString();
 }
 
 bool UtilitiesViewController::dataBufferHasCompleteMacAddressPacket() const
 {
-    return incomingDataBuffer().size() >= kMacPacketLength;
+    return kMacPacket.isWhole(m_exchange.incomingDataBuffer());
 }
 
 void UtilitiesViewController::test()
 {
     displayAlert(utilities_text::kTestPassed, utilities_text::kFirmwareVersion);
-    forgetReceivedString();
+    m_exchange.forgetReceivedString();
 }
 
 } // namespace vorrano::device

@@ -2,19 +2,14 @@
 
 #include "device/DeviceTabController.h"
 #include "device/FirmwareUpdate.h"
+#include "device/UtilitiesReplies.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
-
-namespace vorrano::platform {
-class SystemLog;
-}
 
 namespace vorrano::device {
 
@@ -23,52 +18,19 @@ namespace vorrano::device {
 // Replies are told apart by the last command alone. A completed request arrives as a response; every chunk, also those
 // of a response, arrives as data first. Whatever the device says unasked is taken for an answer to the last question.
 // Controls, beside those of every device tab: the text fields setSSID, setPassword and setThrottleTextField; the pick
-// list temperatureDisplayUnitButton; a button for each action below.
-class UtilitiesViewController : public DeviceTabController {
+// list temperatureDisplayUnitButton; a button for each question, setting and reset, and buttonUpdateFirmware.
+class UtilitiesViewController : public DeviceTabController, private FirmwareLine {
 public:
-    // Loads the view. awakeFromNib() is the caller's, once it has stored the controller.
-    [[nodiscard]] static std::shared_ptr<UtilitiesViewController> create();
-
-    // Only by way of create().
-    UtilitiesViewController();
-
-    void awakeFromNib() override;
-
-    void buttonPowerStatus(platform::Control& sender);
-    void buttonMacAddress(platform::Control& sender);
-    void buttonFirmwareVersion(platform::Control& sender);
-    void wifiFirmwareQuery(platform::Control& sender);
-    void buttonGetSSID(platform::Control& sender);
-    void buttonGetNetworkPassword(platform::Control& sender);
-    void buttonADC(platform::Control& sender);
-    void buttonNetworkConnectivityStatus(platform::Control& sender);
-    void buttonGetThrottle(platform::Control& sender);
-    void buttonSetSSID(platform::Control& sender);
-    void buttonSetPassword(platform::Control& sender);
-    void buttonSetThrottle(platform::Control& sender);
-    void buttonGetTemperatureUnit(platform::Control& sender);
-    void buttonSetTemperatureUnit(platform::Control& sender);
-    void resetDevice(platform::Control& sender);
-    void resetModem(platform::Control& sender);
-    void buttonUpdateFirmware(platform::Control& sender);
-
     // The names of the temperature units and the device's own numbers for them, in the order in which they are offered.
     using TemperatureUnits = std::vector<std::pair<std::string, std::uint16_t>>;
     [[nodiscard]] static TemperatureUnits tempDisplayDictionary();
-    void setUpTemperatureDisplayPopupButton();
 
-    void displayADC();
-    void displayNetworkConnectivity();
-    void displayFirmwareVersion();
-    void displayWifiFirmwareVersion();
-    void displayThrottle();
-    void displayTemperatureUnit();
-    void displayTemperatureUnitSetAlert();
+    // Loads the view. awakeFromNib() is the caller's, once it has stored the controller.
+    [[nodiscard]] static std::shared_ptr<UtilitiesViewController> create();
 
-    // The answers that are gathered until their alert; none when there is nothing gathered.
-    [[nodiscard]] const std::optional<std::string>& connectivityStatus() const { return m_connectivityStatus; }
-    [[nodiscard]] const std::optional<std::string>& adcNumber() const { return m_adcNumber; }
+    void awakeFromNib() override;
 
+    [[nodiscard]] const UtilitiesReplies& replies() const { return m_replies; }
     [[nodiscard]] const FirmwareUpdate& firmwareUpdate() const { return m_firmwareUpdate; }
 
     // Bound to no control.
@@ -82,26 +44,35 @@ public:
     void serialPortRequestDidTimeout(serial::SerialPort& port,
                                      const std::shared_ptr<serial::SerialRequest>& request) override;
 
+protected:
+    UtilitiesViewController();
+
+    void buttonNetworkConnectivityStatus(platform::Control& sender);
+    void buttonSetSSID(platform::Control& sender);
+    void buttonSetPassword(platform::Control& sender);
+    void buttonSetThrottle(platform::Control& sender);
+    void buttonSetTemperatureUnit(platform::Control& sender);
+    void buttonUpdateFirmware(platform::Control& sender);
+
+    void setUpTemperatureDisplayPopupButton();
+
 private:
+    void writeQuery(DeviceCommand command) override;
+    void writeAwaitingAck(const serial::Bytes& data) override;
+
     void connectActions();
-    void queryRaw(DeviceCommand command);
+    // Presses of the button ask the device that, past the request queue.
+    void connectRawQuery(std::string_view button, DeviceCommand command);
     void routeToBootloader();
     void routeByQueryNumber();
-    void displayGathered(std::optional<std::string>& gathered, std::string_view informativeText);
-    void displayVersion(std::size_t shortest, std::string_view informativeText);
+    void displayFirmwareVersion();
 
-    platform::SystemLog& m_systemLog;
     platform::TextField& m_setSSID;
     platform::TextField& m_setPassword;
     platform::TextField& m_setThrottleTextField;
     platform::PopUpButton& m_temperatureDisplayUnitButton;
+    UtilitiesReplies m_replies;
     FirmwareUpdate m_firmwareUpdate;
-    std::optional<std::string> m_connectivityStatus;
-    std::optional<std::string> m_adcNumber;
-    // How often the stored password was asked for and has not come; a query pressed meanwhile takes it for its own
-    // answer. What was gathered then stays out of the log.
-    int m_passwordsOnTheirWay = 0;
-    bool m_passwordWasGathered = false;
 };
 
 } // namespace vorrano::device

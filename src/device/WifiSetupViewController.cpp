@@ -5,7 +5,7 @@
 #include "device/WifiTexts.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/WifiInterface.h"
 
 #include <algorithm>
 
@@ -58,10 +58,10 @@ void WifiSetupViewController::connectActions()
     connect("saveSecurityTypeButton", &Tab::saveSecurityTypeButton);
     connect("savePasswordButton", &Tab::savePasswordButton);
     connect("saveKeyButton", &Tab::buttonSaveKey);
-    connect("buttonCheckSSID", &Tab::buttonCheckSSID);
-    connect("buttonCheckPassword", &Tab::buttonCheckPassword);
-    connect("buttonCheckNetworkConnection", &Tab::buttonCheckNetworkConnection);
-    connect("buttonResetDevice", &Tab::buttonResetDevice);
+    connectQuery("buttonCheckSSID", DeviceCommand::ReadSSID);
+    connectQuery("buttonCheckPassword", DeviceCommand::ReadPassword);
+    connectQuery("buttonCheckNetworkConnection", DeviceCommand::ConnectivityStatus);
+    connectReset("buttonResetDevice", DeviceCommand::ResetDevice, device_text::kFinishedResettingDevice);
 }
 
 void WifiSetupViewController::awakeFromNib()
@@ -131,7 +131,7 @@ void WifiSetupViewController::saveSSIDButton(Control& sender)
         displayAlertWithMessage(refusal);
         return;
     }
-    sendFreeText(sender, DeviceCommand::SetSSID, replaceSSIDSpacesWithDollarSign(ssid));
+    send(sender, DeviceCommand::SetSSID, replaceSSIDSpacesWithDollarSign(ssid));
 }
 
 void WifiSetupViewController::saveSecurityTypeButton(Control& sender)
@@ -140,7 +140,7 @@ void WifiSetupViewController::saveSecurityTypeButton(Control& sender)
         displayAlertWithMessage(wifi_text::kNoSecurityType);
         return;
     }
-    sendCharacter(sender, DeviceCommand::SetSecurityType, characterOfLow16Bits(m_selectedSecurityKey.value_or(0)));
+    send(sender, DeviceCommand::SetSecurityType, characterOfLow16Bits(m_selectedSecurityKey.value_or(0)));
 }
 
 void WifiSetupViewController::savePasswordButton(Control& sender)
@@ -150,7 +150,7 @@ void WifiSetupViewController::savePasswordButton(Control& sender)
         displayAlertWithMessage(refusal);
         return;
     }
-    sendFreeText(sender, DeviceCommand::SetPassword, password);
+    send(sender, DeviceCommand::SetPassword, password);
 }
 
 void WifiSetupViewController::buttonSaveKey(Control& sender)
@@ -160,27 +160,7 @@ void WifiSetupViewController::buttonSaveKey(Control& sender)
         displayAlertWithMessage(refusal);
         return;
     }
-    sendFreeText(sender, DeviceCommand::SetWepKey, key);
-}
-
-void WifiSetupViewController::buttonCheckSSID(Control& sender)
-{
-    query(sender, DeviceCommand::ReadSSID, tripleTerminator(kShortestStoredText));
-}
-
-void WifiSetupViewController::buttonCheckPassword(Control& sender)
-{
-    query(sender, DeviceCommand::ReadPassword, tripleTerminator(kShortestStoredText));
-}
-
-void WifiSetupViewController::buttonCheckNetworkConnection(Control& sender)
-{
-    query(sender, DeviceCommand::ConnectivityStatus, doubleTerminator());
-}
-
-void WifiSetupViewController::buttonResetDevice(Control& sender)
-{
-    reset(sender, DeviceCommand::ResetDevice, device_text::kFinishedResettingDevice);
+    send(sender, DeviceCommand::SetWepKey, key);
 }
 
 serial::SerialPortCallbacks WifiSetupViewController::callbacks() const
@@ -192,9 +172,9 @@ serial::SerialPortCallbacks WifiSetupViewController::callbacks() const
 void WifiSetupViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&, const serial::Bytes& response,
                                                                     const std::shared_ptr<serial::SerialRequest>&)
 {
-    receiveResponse(response);
+    m_exchange.receiveResponse(response);
     hideAndStopProgressIndicator(nullptr);
-    displayAlert(receivedString(), device_text::kSuccess);
+    displayAlert(m_exchange.receivedString(), device_text::kSuccess);
 }
 
 void WifiSetupViewController::serialPortRequestDidTimeout(serial::SerialPort&,

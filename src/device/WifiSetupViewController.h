@@ -24,34 +24,15 @@ namespace vorrano::device {
 // buttonResetDevice.
 class WifiSetupViewController : public DeviceTabController {
 public:
-    // Loads the view. awakeFromNib() is the caller's, once it has stored the controller.
-    [[nodiscard]] static std::shared_ptr<WifiSetupViewController> create();
-
-    // Only by way of create().
-    WifiSetupViewController();
-
-    // Connects, and looks for networks: only now, not while the tab stays on screen.
-    void awakeFromNib() override;
-
-    // Copies the chosen network into the SSID field.
-    void buttonScanSSID(platform::Control& sender);
-    void securityTypeButton(platform::Control& sender);
-    void saveSSIDButton(platform::Control& sender);
-    void saveSecurityTypeButton(platform::Control& sender);
-    void savePasswordButton(platform::Control& sender);
-    void buttonSaveKey(platform::Control& sender);
-    void buttonCheckSSID(platform::Control& sender);
-    void buttonCheckPassword(platform::Control& sender);
-    void buttonCheckNetworkConnection(platform::Control& sender);
-    void buttonResetDevice(platform::Control& sender);
-
     // The names of the security types and the device's own numbers for them, in the order in which they are offered.
     using SecurityTypes = std::vector<std::pair<std::string, std::uint16_t>>;
     [[nodiscard]] static SecurityTypes securityTypesDictionary();
 
-    void loadSecurityTypeOptionsButton();
-    // An absent key counts as 0.
-    void updateUIForSecurityKey(std::optional<std::uint16_t> key);
+    // Loads the view. awakeFromNib() is the caller's, once it has stored the controller.
+    [[nodiscard]] static std::shared_ptr<WifiSetupViewController> create();
+
+    // Connects, and looks for networks: only now, not while the tab stays on screen.
+    void awakeFromNib() override;
 
     // Of the chosen security type; none for the blank entry.
     [[nodiscard]] std::optional<std::uint16_t> selectedSecurityKey() const { return m_selectedSecurityKey; }
@@ -65,6 +46,21 @@ public:
                                                const std::shared_ptr<serial::SerialRequest>& request) override;
     void serialPortRequestDidTimeout(serial::SerialPort& port,
                                      const std::shared_ptr<serial::SerialRequest>& request) override;
+
+protected:
+    WifiSetupViewController();
+
+    // Copies the chosen network into the SSID field.
+    void buttonScanSSID(platform::Control& sender);
+    void securityTypeButton(platform::Control& sender);
+    void saveSSIDButton(platform::Control& sender);
+    void saveSecurityTypeButton(platform::Control& sender);
+    void savePasswordButton(platform::Control& sender);
+    void buttonSaveKey(platform::Control& sender);
+
+    void loadSecurityTypeOptionsButton();
+    // An absent key counts as 0.
+    void updateUIForSecurityKey(std::optional<std::uint16_t> key);
 
 private:
     void connectActions();

@@ -2,18 +2,17 @@
 
 #include "platform/MainQueue.h"
 #include "platform/SerialQueue.h"
-#include "platform/Timer.h"
 
 #include <memory>
 #include <string>
 
 namespace vorrano::platform {
 
-// The shared background queue of default priority: tasks run at the same time, each on a thread of a pool that grows
-// when all of its threads are taken. A task may block its thread for as long as it likes.
+// The shared background queue of default priority. Tasks run at the same time, each on a thread of a pool. The pool
+// grows when all of its threads are busy, so a task may block its thread for as long as it likes.
 //
-// Threads: every method on any thread. Background threads block all signals. An exception that leaves a task or a
-// timer's handler is written to the system log; the thread goes on.
+// Threads: every method on any thread. Background threads block all signals. An exception that leaves a task is written
+// to the system log; the thread goes on.
 class BackgroundQueue {
 public:
     BackgroundQueue() = default;
@@ -21,10 +20,8 @@ public:
     BackgroundQueue& operator=(const BackgroundQueue&) = delete;
     virtual ~BackgroundQueue() = default;
 
+    // Runs the task on a thread of the pool, never inside the call.
     virtual void async(Task task) = 0;
-
-    // A stopped timer whose handler runs on a thread of the pool.
-    [[nodiscard]] virtual std::shared_ptr<Timer> makeTimer(TimerSchedule schedule, Task handler) = 0;
 
     // A serial queue of its own over this pool; the label (a reverse-DNS name) is for debuggers.
     [[nodiscard]] virtual std::shared_ptr<SerialQueue> makeSerialQueue(std::string label) = 0;

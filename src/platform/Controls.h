@@ -72,8 +72,11 @@ public:
     [[nodiscard]] virtual bool isAnimating() const = 0;
 };
 
-// A text of the layout's own.
-class Label : public virtual Control {};
+// A text that the person only reads: the layout's own, until the program sets another.
+class Label : public virtual Control {
+public:
+    virtual void setText(const std::string& text) = 0;
+};
 
 class View;
 

@@ -22,13 +22,13 @@ inline constexpr std::string_view kTTYSuffixKey = "IOTTYSuffix";
 
 enum class DeviceEvent { Published, Terminated };
 
-// The serial devices of the system, and word of those that come and go.
+// The serial devices of the system, and events about those that come and go.
 //
 // A device's properties are: callout path ("/dev/cu.usbserial-A1B2"; a name that stays with the adapter, not a file),
 // dial-in path (its node, "/dev/ttyUSB0"), tty name ("ttyUSB0"), base name ("ttyUSB"), suffix ("0") and client type.
-// They can be read from its appearing until the terminated event that names it has been handled.
+// They can be read from the device's published event until its terminated event has been handled.
 //
-// Handles are counted: each one that is handed out, and each retain(), asks for one release(). One that is never
+// Handles are counted: each one that is given out, and each retain(), needs one release(). A handle that is never
 // released costs its number and nothing else.
 // Threads: the main thread; nodeOfCalloutPath() on any.
 class DeviceRegistry {
@@ -46,8 +46,9 @@ public:
     // All serial devices that are present, in the registry's order; none when the enumeration can't start.
     [[nodiscard]] virtual std::optional<DeviceIterator> serialStreamDevices() = 0;
 
-    // Calls back on the main queue with an iterator over the devices concerned; the callee releases it not: it is the
-    // one returned here, filled anew. That one holds at first the devices present (Published) or none (Terminated).
+    // Calls back on the main queue with an iterator over the devices concerned. It is the iterator returned here,
+    // filled anew; the callback must not release it. At first it holds the devices present (Published) or none
+    // (Terminated).
     virtual Watch watch(DeviceEvent event, std::function<void(DeviceIterator)> told) = 0;
 
     // The next device of the list, its handle counted; 0 at the end, which arms the list for the next event.
@@ -56,7 +57,7 @@ public:
     [[nodiscard]] virtual std::optional<std::string> stringProperty(DeviceHandle device,
                                                                     std::string_view key) const = 0;
 
-    // Handles of both kinds. Releasing a watch's iterator to nothing ends the watch.
+    // For handles of both kinds. The last release of a watch's iterator ends the watch.
     virtual void retain(std::uint32_t handle) = 0;
     virtual void release(std::uint32_t handle) = 0;
 

@@ -54,7 +54,7 @@ public:
     virtual void show() = 0;
 
     // Takes the window off the screen. The program does not end by it, even when no other window is open; it does when
-    // the person closes the last one.
+    // the person closes the last one. A sheet over the window ends with 0 first; a sheet that is closed ends with 0.
     virtual void close() = 0;
     [[nodiscard]] virtual bool isVisible() const = 0;
 

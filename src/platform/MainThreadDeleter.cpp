@@ -1,6 +1,7 @@
 #include "platform/MainThreadDeleter.h"
 
-#include <mutex>
+#include "platform/Mutex.h"
+
 #include <utility>
 #include <vector>
 
@@ -13,8 +14,8 @@ struct HandedOver {
     void (*destroy)(void*);
 };
 
-std::mutex s_mutex;
-std::vector<HandedOver> s_handedOver;
+Mutex s_mutex;
+std::vector<HandedOver> s_handedOver VORRANO_GUARDED_BY(s_mutex);
 
 } // namespace
 
@@ -25,7 +26,7 @@ void detail::destroyOnMainThread(MainQueue& queue, void* object, void (*destroy)
         return;
     }
     {
-        const std::lock_guard lock(s_mutex);
+        const MutexLock lock(s_mutex);
         s_handedOver.push_back({object, destroy});
     }
     queue.async(destroyHandedOver);
@@ -35,7 +36,7 @@ void destroyHandedOver()
 {
     std::vector<HandedOver> objects;
     {
-        const std::lock_guard lock(s_mutex);
+        const MutexLock lock(s_mutex);
         objects.swap(s_handedOver);
     }
     for (const auto& [object, destroy] : objects) {

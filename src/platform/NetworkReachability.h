@@ -27,7 +27,7 @@ inline constexpr ReachabilityFlags kConnectionOnDemand = 32;
 inline constexpr ReachabilityFlags kIsLocalAddress = 65536;
 inline constexpr ReachabilityFlags kIsDirect = 131072;
 
-// How one host or address can be reached from here. Main thread; dropping it ends the word of changes.
+// How one host or address can be reached from here. Main thread. Dropping it ends the callbacks.
 class ReachabilityReference {
 public:
     ReachabilityReference() = default;
@@ -35,11 +35,11 @@ public:
     ReachabilityReference& operator=(const ReachabilityReference&) = delete;
     virtual ~ReachabilityReference() = default;
 
-    // None when they can't be had.
+    // None when the system does not tell.
     [[nodiscard]] virtual std::optional<ReachabilityFlags> flags() = 0;
 
-    // Registers what to call when the flags change; it is called only between schedule() and unschedule(), on the main
-    // queue. False when it can't be had.
+    // Registers what to call when the flags change. It is called on the main queue, only between schedule() and
+    // unschedule(). False when the system refuses.
     virtual bool setCallback(std::function<void(ReachabilityFlags)> told) = 0;
     virtual bool schedule() = 0;
     virtual void unschedule() = 0;

@@ -3,19 +3,21 @@
 #include "platform/MainThreadDeleter.h"
 
 #include <cassert>
-#include <utility>
+#include <thread>
 
 namespace vorrano::platform {
 
 namespace {
 Platform* s_current = nullptr;
-}
+std::thread::id s_mainThread;
+} // namespace
 
-Platform::Platform(Ports ports)
-    : Ports(std::move(ports))
+Platform::Platform(const Interfaces& interfaces)
+    : Interfaces(interfaces)
 {
     assert(s_current == nullptr);
     s_current = this;
+    s_mainThread = std::this_thread::get_id();
 }
 
 Platform::~Platform()
@@ -27,7 +29,10 @@ Platform::~Platform()
 Platform& Platform::current()
 {
     assert(s_current != nullptr);
+    assertMainThread();
     return *s_current;
 }
+
+void assertMainThread() { assert(s_current == nullptr || std::this_thread::get_id() == s_mainThread); }
 
 } // namespace vorrano::platform

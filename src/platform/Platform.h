@@ -14,14 +14,16 @@ class NotificationCentre;
 class OpenPanel;
 class OperatingSystem;
 class Pause;
+class PortAccess;
 class PowerEvents;
+class StayAwake;
 class SystemLog;
 class Terminal;
 class UrlFetch;
 class WifiInterface;
 
-// Everything the logic reaches the system through, and the one configuration value.
-struct Ports {
+// The interfaces through which the logic reaches the system, and the one configuration value.
+struct Interfaces {
     Layouts& layouts;
     Alerts& alerts;
     OpenPanel& openPanel;
@@ -34,6 +36,8 @@ struct Ports {
     NetworkReachability& reachability;
     UrlFetch& urlFetch;
     PowerEvents& powerEvents;
+    StayAwake& stayAwake;
+    PortAccess& portAccess;
     Pause& pause;
     SystemLog& systemLog;
     OperatingSystem& operatingSystem;
@@ -41,19 +45,24 @@ struct Ports {
     std::string serviceBaseUrl;
 };
 
-// The ports of this process. Made by a program's main, or by a test's fixture, before any object of the logic and
-// outliving all of them.
+// The interfaces of this process. A program's main, or a test's fixture, makes it before any object of the logic; it
+// outlives all of them.
 //
-// Threads: current() on the main thread only, when an object is made, which then keeps what it needs; never in a
-// destructor.
-class Platform : public Ports {
+// Threads: made on the main thread, which it remembers. current() on the main thread only, when an object is made,
+// which then keeps what it needs; never in a destructor.
+class Platform : public Interfaces {
 public:
-    explicit Platform(Ports ports);
+    explicit Platform(const Interfaces& interfaces);
     Platform(const Platform&) = delete;
     Platform& operator=(const Platform&) = delete;
     ~Platform();
 
+    // Asserts that the caller is on the main thread.
     [[nodiscard]] static Platform& current();
 };
+
+// Asserts that the caller is on the main thread of the Platform that there is, if there is one. For the entry points of
+// objects that live on the main thread.
+void assertMainThread();
 
 } // namespace vorrano::platform

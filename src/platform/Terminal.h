@@ -18,10 +18,13 @@ struct SystemResult {
     [[nodiscard]] bool failed() const { return error != 0; }
 };
 
-// A terminal's settings: the POSIX record, and the rate in baud where it is none of the standard ones.
+// A terminal's settings: the POSIX record, and beside it each rate in baud that is none of the standard ones.
 struct TerminalAttributes {
     termios record{};
+    // The output's, which is the input's too unless the record gives the input a rate of its own.
     std::optional<std::uint64_t> customSpeed;
+    // The input's own rate.
+    std::optional<std::uint64_t> customInputSpeed;
 };
 
 enum class ApplyAttributes { Now, AfterDrain };
@@ -49,7 +52,8 @@ public:
     virtual SystemResult attributes(int descriptor, TerminalAttributes& into) = 0;
     virtual SystemResult setAttributes(int descriptor, ApplyAttributes when, const TerminalAttributes& attributes) = 0;
 
-    // Writes the rate into the record: the standard rates as such, any other as a custom one. EINVAL: no such rate.
+    // Writes the rate into the record, for both directions: the standard rates as such, any other as a custom one.
+    // EINVAL: no such rate.
     virtual SystemResult setSpeed(TerminalAttributes& attributes, std::uint64_t baud) = 0;
 
     // The modem lines as TIOCM bits, in `value`. ENXIO when the device behind the open descriptor is gone.
@@ -59,9 +63,8 @@ public:
     // Waits until the descriptor is readable: 1, or 0 when the time is over.
     virtual SystemResult waitReadable(int descriptor, std::chrono::microseconds limit) = 0;
 
-    // Lets that much time pass, nothing more: for who would otherwise ask a hung-up line, readable for ever, again and
-    // again.
-    virtual void wait(std::chrono::microseconds duration) = 0;
+    // Sleeps for `duration`, up to `leeway` longer: the computer may put the end together with other wake-ups.
+    virtual void wait(std::chrono::microseconds duration, std::chrono::microseconds leeway) = 0;
 
     // At most into.size() bytes; 0 when the line has been hung up.
     virtual SystemResult read(int descriptor, std::span<std::byte> into) = 0;

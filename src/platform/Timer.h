@@ -4,19 +4,18 @@
 
 namespace vorrano::platform {
 
-// When a timer fires: first after `first` from its start, then every `interval`, each time up to `leeway` late.
+// When a timer fires: `delay` after its start, up to `leeway` late.
 struct TimerSchedule {
-    std::chrono::nanoseconds first{};
-    std::chrono::nanoseconds interval{};
+    std::chrono::nanoseconds delay{};
     std::chrono::nanoseconds leeway{};
 };
 
-// A repeating timer of a queue, made stopped.
+// A one-shot timer of a serial queue, made stopped.
 //
-// Threads: every method on any thread; none waits for the handler. The handler runs on the queue that made the timer
-// and never overlaps itself. After cancel() returns no further call of the handler begins (for a timer of a serial
-// queue: when cancel() was called on that queue, or before the handler's turn came).
-// Lifetime: dropping the last reference cancels. The handler is released when the timer has been cancelled.
+// Threads: every method on any thread; none waits for the handler. The handler is a task of the queue that made the
+// timer. A second start() does nothing. After cancel() the handler does not begin any more, when cancel() was called by
+// a task of the queue or before the time had come.
+// Lifetime: dropping the last reference cancels. The handler is released when it has run or was cancelled.
 class Timer {
 public:
     Timer() = default;

@@ -7,7 +7,7 @@ namespace vorrano::platform {
 
 // Fetches what an address holds, whole, with a plain GET.
 //
-// Threads: background threads; blocks until the end. Safe at the same time from several.
+// Threads: contentsOfUrl() on background threads, several at the same time; it blocks until the end.
 class UrlFetch {
 public:
     UrlFetch() = default;
@@ -19,6 +19,10 @@ public:
     // the body is larger than 64 MiB, after 60 s without progress, or when the program is ending. The path goes out
     // exactly as it stands. Nothing of the address is logged.
     [[nodiscard]] virtual std::optional<std::string> contentsOfUrl(const std::string& address) = 0;
+
+    // The program ends: every fetch that is under way, and every later one, ends at once with none. Does not wait for
+    // them. Any thread.
+    virtual void abort() = 0;
 };
 
 } // namespace vorrano::platform

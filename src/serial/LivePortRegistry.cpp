@@ -6,13 +6,13 @@ namespace vorrano::serial {
 
 void LivePortRegistry::add(const std::shared_ptr<SerialPort>& port)
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_entries.push_back({port.get(), port});
 }
 
 void LivePortRegistry::remove(const SerialPort& port)
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     std::erase_if(m_entries, [&port](const Entry& entry) { return entry.identity == &port; });
 }
 
@@ -20,7 +20,7 @@ std::shared_ptr<SerialPort> LivePortRegistry::existingPortWithPath(std::string_v
 {
     // Let go of after the lock: the last reference to a port may be among them, and its end removes an entry.
     std::vector<std::shared_ptr<SerialPort>> looked;
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     for (const auto& entry : m_entries) {
         looked.push_back(entry.port.lock());
         if (looked.back() && !path.empty() && looked.back()->path() == path) {

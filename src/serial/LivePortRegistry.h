@@ -1,7 +1,8 @@
 #pragma once
 
+#include "platform/Mutex.h"
+
 #include <memory>
-#include <mutex>
 #include <string_view>
 #include <vector>
 
@@ -28,8 +29,8 @@ private:
         std::weak_ptr<SerialPort> port;
     };
 
-    mutable std::mutex m_mutex;
-    std::vector<Entry> m_entries;
+    mutable platform::Mutex m_mutex;
+    std::vector<Entry> m_entries VORRANO_GUARDED_BY(m_mutex);
 };
 
 // The one of the process.

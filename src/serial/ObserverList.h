@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/Subscription.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -24,9 +24,7 @@ public:
 
     [[nodiscard]] platform::Subscription add(Observer observer)
     {
-        const std::lock_guard lock(m_entries->mutex);
-        const auto id = ++m_entries->lastId;
-        m_entries->list.push_back({id, std::make_shared<const Observer>(std::move(observer))});
+        const auto id = m_entries->add(std::move(observer));
         return platform::Subscription([weak = std::weak_ptr(m_entries), id] {
             if (const auto entries = weak.lock()) {
                 entries->remove(id);
@@ -50,10 +48,16 @@ private:
         std::shared_ptr<const Observer> observer;
     };
     struct Entries {
+        std::uint64_t add(Observer observer)
+        {
+            const platform::MutexLock lock(mutex);
+            list.push_back({++lastId, std::make_shared<const Observer>(std::move(observer))});
+            return lastId;
+        }
         void remove(std::uint64_t id)
         {
             std::shared_ptr<const Observer> removed;
-            const std::lock_guard lock(mutex);
+            const platform::MutexLock lock(mutex);
             const auto found = find(id);
             if (found != list.end()) {
                 removed = std::move(found->observer);
@@ -62,22 +66,22 @@ private:
         }
         [[nodiscard]] std::vector<Entry> copy()
         {
-            const std::lock_guard lock(mutex);
+            const platform::MutexLock lock(mutex);
             return list;
         }
         [[nodiscard]] bool has(std::uint64_t id)
         {
-            const std::lock_guard lock(mutex);
+            const platform::MutexLock lock(mutex);
             return find(id) != list.end();
         }
-        typename std::vector<Entry>::iterator find(std::uint64_t id)
+        typename std::vector<Entry>::iterator find(std::uint64_t id) VORRANO_REQUIRES(mutex)
         {
             return std::find_if(list.begin(), list.end(), [id](const Entry& entry) { return entry.id == id; });
         }
 
-        std::mutex mutex;
-        std::vector<Entry> list;
-        std::uint64_t lastId = 0;
+        platform::Mutex mutex;
+        std::vector<Entry> list VORRANO_GUARDED_BY(mutex);
+        std::uint64_t lastId VORRANO_GUARDED_BY(mutex) = 0;
     };
 
     std::shared_ptr<Entries> m_entries = std::make_shared<Entries>();

@@ -20,7 +20,7 @@ void writeParity(SerialParity parity, termios& settings)
 
 } // namespace
 
-void writeOptions(const PortOptions& options, termios& settings)
+void writeOptions(const PortOptions::Values& options, termios& settings)
 {
     ::cfmakeraw(&settings);
     settings.c_cc[VMIN] = kLeastBytesOfARead;

@@ -3,12 +3,12 @@
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
+#include "serial/InAnyCase.h"
 #include "serial/LivePortRegistry.h"
-#include "serial/PortLine.h"
+#include "serial/RequestQueue.h"
 
 #include <functional>
-#include <system_error>
 #include <utility>
 
 namespace vorrano::serial {
@@ -41,6 +41,7 @@ std::shared_ptr<SerialPort> SerialPort::initWithDevice(platform::DeviceHandle de
         return existing;
     }
     std::shared_ptr<SerialPort> port(new SerialPort(device, path));
+    port->m_requests = port->makeRequestQueue();
     addSerialPort(port);
     return port;
 }
@@ -53,19 +54,17 @@ SerialPort::SerialPort(platform::DeviceHandle device, std::string path)
     , m_systemLog(platform::Platform::current().systemLog)
     , m_path(std::move(path))
     , m_name(modemNameFromDevice(device).value_or(""))
-    , m_requestHandlingQueue(m_backgroundQueue.makeSerialQueue("com.vorrano.SerialPort.requestHandlingQueue"))
+    , m_delegate(*this, m_mainQueue)
 {
     setIoKitDevice(device);
-    m_options.baudRate = std::make_shared<const unsigned long>(kDefaultBaudRate);
+    m_options.set(&PortOptions::Values::baudRate, std::make_shared<const unsigned long>(kDefaultBaudRate));
 }
 
 SerialPort::~SerialPort()
 {
     removeSerialPort(*this);
-    // Only stores: the handle that was retained at the beginning stays retained.
+    // Only stores: the handle that was retained at creation stays retained.
     setIOKitDevice(0);
-    setPinPollTimer(nullptr);
-    setPendingRequestTimeoutTimer(nullptr);
 }
 
 void SerialPort::addSerialPort(const std::shared_ptr<SerialPort>& port) { livePortRegistry().add(port); }
@@ -118,56 +117,91 @@ void SerialPort::setIoKitDevice(platform::DeviceHandle device)
 
 void SerialPort::setIOKitDevice(platform::DeviceHandle device) { m_ioKitDevice = device; }
 
-void SerialPort::setDelegate(std::weak_ptr<SerialPortDelegate> delegate)
+void SerialPort::setDelegate(std::weak_ptr<SerialPortDelegate> delegate) { m_delegate.set(std::move(delegate)); }
+
+std::shared_ptr<RequestQueue> SerialPort::makeRequestQueue()
 {
-    const auto alive = delegate.lock();
-    m_delegate = std::move(delegate);
-    m_callbacks = alive ? alive->callbacks() : SerialPortCallbacks();
-}
-
-void SerialPort::post(SerialPortCallback callback, std::function<void(SerialPortDelegate&)> call)
-{
-    if (implements(callback)) {
-        m_mainQueue.async(
-            [self = shared_from_this(), callback, call = std::move(call)] { self->tell(callback, call); });
-    }
-}
-
-void SerialPort::tell(SerialPortCallback callback, const std::function<void(SerialPortDelegate&)>& call) const
-{
-    const auto delegate = m_delegate.lock();
-    if (delegate && delegate->callbacks().contains(callback)) {
-        call(*delegate);
-    }
-}
-
-SerialError SerialPort::posixError(int code) const { return {code, std::generic_category().message(code), m_path}; }
-
-// Never inside the call, on the main thread neither: for a step of the request queue, which nobody may be called from.
-void SerialPort::postPosixError(int code)
-{
-    post(SerialPortCallback::DidEncounterError, [this, error = posixError(code)](SerialPortDelegate& delegate) {
-        delegate.serialPortDidEncounterError(*this, error);
-    });
-}
-
-void SerialPort::notifyDelegateOfPosixError(int code) { notifyDelegateOfPosixErrorWaitingUntilDone(code, false); }
-
-void SerialPort::notifyDelegateOfPosixErrorWaitingUntilDone(int code, bool waitUntilDone)
-{
-    if (!implements(SerialPortCallback::DidEncounterError)) {
-        return;
-    }
-    const auto deliver = [self = shared_from_this(), error = posixError(code)] {
-        self->tell(SerialPortCallback::DidEncounterError,
-                   [&](SerialPortDelegate& delegate) { delegate.serialPortDidEncounterError(*self, error); });
+    const std::weak_ptr<SerialPort> weak = weak_from_this();
+    const auto didReceiveData = [weak](const Bytes& chunk, bool mayHoldSecret) {
+        if (const auto port = weak.lock()) {
+            port->postData(chunk, mayHoldSecret);
+        }
     };
-    if (m_mainQueue.isMainThread()) {
-        deliver();
-    } else if (waitUntilDone) {
-        m_mainQueue.sync(deliver);
-    } else {
-        m_mainQueue.async(deliver);
+    const auto write = [weak](const Bytes& data) {
+        const auto port = weak.lock();
+        return port && port->sendData(data);
+    };
+    const auto didReceiveResponse = [weak](const Bytes& response, const RequestQueue::Request& request) {
+        if (const auto port = weak.lock()) {
+            port->m_delegate.post(SerialPortCallback::DidReceiveResponseToRequest,
+                                  [response, request](SerialPortDelegate& delegate, SerialPort& self) {
+                                      delegate.serialPortDidReceiveResponseToRequest(self, response, request);
+                                  });
+        }
+    };
+    const auto didTimeout = [weak](const RequestQueue::Request& request, std::function<void()> next) {
+        const auto port = weak.lock();
+        return port && port->m_delegate.postThen(
+                           SerialPortCallback::RequestDidTimeout,
+                           [request](SerialPortDelegate& delegate, SerialPort& self) {
+                               delegate.serialPortRequestDidTimeout(self, request);
+                           },
+                           std::move(next));
+    };
+    return std::make_shared<RequestQueue>(
+        m_backgroundQueue.makeSerialQueue("com.vorrano.SerialPort.requestHandlingQueue"),
+        RequestQueue::Events{didReceiveData, write, didReceiveResponse, didTimeout});
+}
+
+void SerialPort::postData(const Bytes& chunk, bool mayHoldSecret)
+{
+    m_delegate.post(SerialPortCallback::DidReceiveData,
+                    [chunk, mayHoldSecret](SerialPortDelegate& delegate, SerialPort& self) {
+                        self.m_isReceivedDataSecret = mayHoldSecret;
+                        inAnyCase([&] { delegate.serialPortDidReceiveData(self, chunk); },
+                                  [&] { self.m_isReceivedDataSecret = false; });
+                    });
+}
+
+bool SerialPort::sendRequest(std::shared_ptr<SerialRequest> request)
+{
+    return request && m_requests->sendRequest(std::move(request));
+}
+
+bool SerialPort::sendData(const Bytes& data)
+{
+    const auto open = m_open.get();
+    if (!open) {
+        return false;
+    }
+    const auto outcome = open->write(data);
+    if (outcome.error != 0) {
+        m_delegate.notifyDelegateOfPosixError(outcome.error);
+    }
+    return outcome.complete;
+}
+
+void SerialPort::cleanup()
+{
+    m_systemLog.write("Cleanup is deprecated and was never intended to be called publicly. You should update your code "
+                      "to avoid calling this method.");
+    cleanupAfterSystemRemoval();
+}
+
+void SerialPort::cleanupAfterSystemRemoval() { cleanupAfterRemovalOfOpen(m_open.number()); }
+
+// The poll and the hot-plug watch may both report the same removal. By the second report the delegate may have found
+// the device again and opened it anew; that open has nothing to do with the removal.
+void SerialPort::cleanupAfterRemovalOfOpen(std::uint64_t number)
+{
+    const auto tell = [number](SerialPortDelegate& delegate, SerialPort& self) {
+        if (self.m_open.number() == number) {
+            delegate.serialPortWasRemovedFromSystem(self);
+        }
+    };
+    const auto close = [self = shared_from_this(), number] { self->closeOpen(number); };
+    if (!m_delegate.postThen(SerialPortCallback::WasRemovedFromSystem, tell, close)) {
+        close();
     }
 }
 

@@ -2,18 +2,17 @@
 
 #include "platform/DeviceRegistry.h"
 #include "platform/Subscription.h"
-#include "platform/Terminal.h"
+#include "serial/CurrentOpen.h"
+#include "serial/DelegateSlot.h"
+#include "serial/ModemLines.h"
 #include "serial/ObserverList.h"
 #include "serial/PortOptions.h"
 #include "serial/SerialPortDelegate.h"
 #include "serial/SerialRequest.h"
 
-#include <atomic>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -22,27 +21,26 @@
 namespace vorrano::platform {
 class BackgroundQueue;
 class MainQueue;
-class SerialQueue;
 class SystemLog;
-class Timer;
+class Terminal;
 } // namespace vorrano::platform
 
 namespace vorrano::serial {
 
-class PortLine;
+class RequestQueue;
 
 // A serial port: opens and sets up its device, reads it in the background, writes, mirrors the modem lines, notices
-// that the device is gone, and exchanges requests for responses, one at a time. One delegate hears about it.
+// that the device is gone, and exchanges requests for responses, one at a time. It reports all of this to one delegate.
 //
-// There is one object per callout path: who asks for a path again gets the object that lives.
+// There is one object per callout path: a caller that asks for the same path again gets the object that is alive.
 //
-// Threads: creation, the delegate and device handles on the main thread; everything else on any, sendRequest() not on
-// the port's own request queue. Every callback of the delegate comes on the main thread. open(), close(), sendData()
-// and the setters do their system calls on the caller's thread, sendRequest() too when nothing is under way. Of two
-// closes, or two opens, at the same time one does the work; the other returns at once. Lifetime: kept by its holders,
-// by the manager's list and, while it is open, by its reader: an open port is not destroyed. Any thread may drop the
-// last reference; the port then calls nobody, whatever its requests still waited for. Errors: none is thrown. A failed
-// system call is told to the delegate, once; nothing is tried again.
+// Threads: creation, the delegate and the device handles on the main thread; everything else on any, but sendRequest()
+// not from inside a response evaluator. The delegate is called on the main thread only. open(), close(), sendData() and
+// the setters do their system calls on the caller's thread. Of two closes, or two opens, at the same time one does the
+// work; the other returns at once.
+// Lifetime: kept by its holders, by the manager's list and, while it is open, by its reader; so an open port is not
+// destroyed. Any thread may drop the last reference. The port then calls nobody, even if requests were pending.
+// Errors: none is thrown. A system call that fails is reported to the delegate, once; nothing is tried again.
 class SerialPort : public std::enable_shared_from_this<SerialPort> {
 public:
     // Null when no present device has the path as its callout or its dial-in path.
@@ -92,7 +90,7 @@ public:
     void setIoKitDevice(platform::DeviceHandle device);
     void setIOKitDevice(platform::DeviceHandle device);
 
-    [[nodiscard]] std::shared_ptr<SerialPortDelegate> delegate() const { return m_delegate.lock(); }
+    [[nodiscard]] std::shared_ptr<SerialPortDelegate> delegate() const { return m_delegate.delegate(); }
     void setDelegate(std::weak_ptr<SerialPortDelegate> delegate);
 
     // Opens for this process alone, applies the settings, drives RTS and DTR to theirs, and starts reading. Nothing
@@ -110,11 +108,16 @@ public:
     // Writes all bytes; blocks until they are out. False on a closed port, and when a write failed.
     bool sendData(const Bytes& data);
 
-    // Queues the request, or writes it when no other is pending; waits for that much. False when the write failed: the
-    // request is pending nevertheless, and times out.
+    // Queues the request behind the pending one, or writes it when there is none; waits until that is done. False when
+    // the write failed: the request is pending all the same, and times out.
     bool sendRequest(std::shared_ptr<SerialRequest> request);
 
-    // The device is gone: tells the delegate, then closes the open that there is now, but none of later.
+    // Inside serialPortDidReceiveData(): whether the chunk may hold a secret, that is (a part of) the response to a
+    // request with isResponseSecret(). Such a chunk must reach no log. True while such a request is pending and, after
+    // its time-out, until another request has been answered or the port was closed.
+    [[nodiscard]] bool isReceivedDataSecret() const { return m_isReceivedDataSecret; }
+
+    // The device is gone: tells the delegate, then closes the open that there is now, but no later one.
     void cleanupAfterSystemRemoval();
     // Deprecated, and logged as such: the same.
     void cleanup();
@@ -142,75 +145,39 @@ public:
     void setUsesDCDOutputFlowControl(bool uses);
 
     // Output lines: driven at once on an open port, else when it opens.
-    [[nodiscard]] bool RTS() const { return m_rts; }
+    [[nodiscard]] bool RTS() const { return m_lines.rts.isOn; }
     void setRTS(bool on);
-    [[nodiscard]] bool DTR() const { return m_dtr; }
+    [[nodiscard]] bool DTR() const { return m_lines.dtr.isOn; }
     void setDTR(bool on);
 
     // Input lines, as the poll of every 10 ms saw them last. They change on the main thread.
-    [[nodiscard]] bool CTS() const { return m_cts; }
-    [[nodiscard]] bool DSR() const { return m_dsr; }
-    [[nodiscard]] bool DCD() const { return m_dcd; }
+    [[nodiscard]] bool CTS() const { return m_lines.cts.isOn; }
+    [[nodiscard]] bool DSR() const { return m_lines.dsr.isOn; }
+    [[nodiscard]] bool DCD() const { return m_lines.dcd.isOn; }
 
     // Calls back after each change of "fileDescriptor", "isOpen" (on the thread that opened or closed), "CTS", "DSR" or
     // "DCD" (main thread). The subscription may outlive the port.
     [[nodiscard]] platform::Subscription observe(std::string_view key, std::function<void()> told);
 
 private:
-    using LinePointer = std::shared_ptr<PortLine>;
-
     SerialPort(platform::DeviceHandle device, std::string path);
+    [[nodiscard]] std::shared_ptr<RequestQueue> makeRequestQueue();
 
-    // The delegate. post() asks whether the callback is implemented, then leaves it to the main queue; tell() makes the
-    // call, on the main thread.
-    [[nodiscard]] bool implements(SerialPortCallback callback) const { return m_callbacks.load().contains(callback); }
-    void post(SerialPortCallback callback, std::function<void(SerialPortDelegate&)> call);
-    void tell(SerialPortCallback callback, const std::function<void(SerialPortDelegate&)>& call) const;
-    void notifyDelegateOfPosixError(int code);
-    void postPosixError(int code);
-    [[nodiscard]] SerialError posixError(int code) const;
-    void notifyDelegateOfPosixErrorWaitingUntilDone(int code, bool waitUntilDone);
-
-    // The line of the open that there is now, or null.
-    [[nodiscard]] LinePointer currentLine() const;
-    [[nodiscard]] bool isCurrent(const LinePointer& line) const { return currentLine() == line; }
-    [[nodiscard]] LinePointer openLine();
-    bool write(const Bytes& data, void (SerialPort::*tellOfError)(int));
-    void setUp(const PortLine& line);
-    void keepOriginalAttributes(const PortLine& line);
-    [[nodiscard]] platform::TerminalAttributes originalAttributes() const;
-    void applyOptions(const PortLine& line);
-    void startReading(const LinePointer& line);
-    void startPolling(const LinePointer& line);
+    void setUp(OpenPort& open);
+    void applyOptions(const OpenPort& open);
+    void startReadingAndPolling(const CurrentOpen::Pointer& open);
     bool closeOpen(std::optional<std::uint64_t> number);
-    [[nodiscard]] LinePointer beginClose(std::optional<std::uint64_t> number);
-    bool endClose(const LinePointer& line);
-    bool closeDescriptor(const LinePointer& line);
-    void restoreAttributes(const PortLine& line) const;
-    [[nodiscard]] std::uint64_t openNumber() const;
+    bool endClose(const CurrentOpen::Pointer& open);
+    bool closeDescriptor(const CurrentOpen::Pointer& open);
     void cleanupAfterRemovalOfOpen(std::uint64_t number);
-    void setPinPollTimer(std::shared_ptr<platform::Timer> timer);
-    void setFlowControl(bool PortOptions::*flag, bool uses);
-    template <class Value>
-    bool storeOption(Value PortOptions::*option, Value value);
-    template <class Value>
-    [[nodiscard]] Value option(Value PortOptions::*option) const;
-    void driveLine(std::atomic<bool>& stored, bool on, int bit);
 
-    void readUntilClosed(const LinePointer& line);
-    void readChunk(const PortLine& line);
-    void pollPins(const LinePointer& line, const std::weak_ptr<platform::Timer>& timer);
-    void mirrorLine(const LinePointer& line, std::atomic<bool>& stored, bool on, std::string_view key);
+    void drive(OutputLine& line, bool on);
+    void setFlowControl(bool PortOptions::Values::*flag, bool uses);
 
-    // On the request queue, but receiveData().
-    void receiveData(Bytes data);
-    bool reallySendRequest(std::shared_ptr<SerialRequest> request);
-    void sendNextRequest();
-    void pendingRequestDidTimeout();
-    void checkResponseToPendingRequestAndContinueIfValid();
-    void startTimeout(std::chrono::duration<double> interval);
-    void setPendingRequestTimeoutTimer(std::shared_ptr<platform::Timer> timer);
-    [[nodiscard]] std::function<void()> onQueue(void (SerialPort::*step)());
+    // On the reader's and the poll's threads.
+    void postData(const Bytes& chunk, bool mayHoldSecret);
+    void mirrorLine(const OpenPort& open, InputLine& line, int lines);
+    void didFailToReadLines(const OpenPort& open, int error);
 
     platform::Terminal& m_terminal;
     platform::MainQueue& m_mainQueue;
@@ -222,30 +189,13 @@ private:
     const std::string m_name;
     platform::DeviceHandle m_ioKitDevice = 0;
 
-    std::weak_ptr<SerialPortDelegate> m_delegate;      // main thread
-    std::atomic<SerialPortCallbacks> m_callbacks = {}; // what is read of it elsewhere
-
+    DelegateSlot m_delegate;
     ObserverList<std::string_view> m_observers;
-    std::atomic<bool> m_rts = false;
-    std::atomic<bool> m_dtr = false;
-    std::atomic<bool> m_cts = false;
-    std::atomic<bool> m_dsr = false;
-    std::atomic<bool> m_dcd = false;
-
-    mutable std::mutex m_mutex; // of what follows; held for a look or an assignment only
     PortOptions m_options;
-    LinePointer m_line;
-    std::uint64_t m_opens = 0; // the number of the last open
-    bool m_isOpening = false;
-    bool m_isClosing = false;
-    platform::TerminalAttributes m_originalPortAttributes;
-    std::shared_ptr<platform::Timer> m_pinPollTimer;
-
-    const std::shared_ptr<platform::SerialQueue> m_requestHandlingQueue; // of what follows
-    Bytes m_receiveBuffer;
-    std::deque<std::shared_ptr<SerialRequest>> m_requestsQueue;
-    std::shared_ptr<SerialRequest> m_pendingRequest;
-    std::shared_ptr<platform::Timer> m_pendingRequestTimeoutTimer;
+    CurrentOpen m_open;
+    ModemLines m_lines;
+    std::shared_ptr<RequestQueue> m_requests; // made right after the port, which it refers to
+    bool m_isReceivedDataSecret = false;      // main thread
 };
 
 } // namespace vorrano::serial

@@ -62,11 +62,11 @@ struct SerialError {
     friend bool operator==(const SerialError&, const SerialError&) = default;
 };
 
-// Hears what happens to a port.
+// The object that a port reports to.
 //
 // Threads: everything on the main thread, in the order in which it happened; callbacks() too.
-// Lifetime: a port holds its delegate weakly, and looks it up when a callback is due: one that is gone by then hears
-// nothing, one that took its place hears it instead.
+// Lifetime: a port holds its delegate weakly, and looks it up when a callback is due. One that is gone by then is
+// skipped; one that took its place is called instead.
 class SerialPortDelegate {
 public:
     SerialPortDelegate() = default;
@@ -78,10 +78,12 @@ public:
     // before each callback.
     [[nodiscard]] virtual SerialPortCallbacks callbacks() const = 0;
 
-    // The device is gone. The port closes right after this call, unless it has been opened anew by then.
+    // The device is gone. The port closes right after this call, unless it has been opened anew by then. A removal
+    // whose port was opened anew before this call was due is not reported: that open has nothing to do with it.
     virtual void serialPortWasRemovedFromSystem(SerialPort& /*port*/) {}
 
-    // Every chunk that was read (at most 1024 bytes), request or not; before the response that it completes.
+    // Every chunk that was read (at most 1024 bytes), request or not; before the response that it completes, whose
+    // bytes are in the order of these calls.
     virtual void serialPortDidReceiveData(SerialPort& /*port*/, const Bytes& /*data*/) {}
 
     // What the request's evaluator accepted; never empty.
@@ -89,12 +91,13 @@ public:
                                                        const std::shared_ptr<SerialRequest>& /*request*/)
     {}
 
-    // The request is null where its time-out outlived it: a reply that came in while an earlier time-out was on its way
-    // started the request, and that time-out's end took it away again.
+    // The request is null when its timer fired after the request had been cleared away. That happens when a late
+    // response started it while an earlier time-out was on its way to the delegate: the step after that time-out clears
+    // it.
     virtual void serialPortRequestDidTimeout(SerialPort& /*port*/, const std::shared_ptr<SerialRequest>& /*request*/) {}
 
-    // What fails in open(), close(), sendData() or a setter that was called on the main thread is told inside that
-    // call; a request that could not be written never is.
+    // An error of open(), close(), sendData() or a setter that was called on the main thread is reported inside that
+    // call. Every other error is reported later, that of a request that could not be written too.
     virtual void serialPortDidEncounterError(SerialPort& /*port*/, const SerialError& /*error*/) {}
 
     virtual void serialPortWasOpened(SerialPort& /*port*/) {}

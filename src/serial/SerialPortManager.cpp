@@ -1,11 +1,12 @@
 #include "serial/SerialPortManager.h"
 
+#include "platform/Mutex.h"
 #include "platform/NotificationCentre.h"
 #include "platform/Platform.h"
-#include "platform/System.h"
+#include "platform/PowerEvents.h"
+#include "platform/SystemLog.h"
 
 #include <algorithm>
-#include <mutex>
 #include <utility>
 
 namespace vorrano::serial {
@@ -18,8 +19,8 @@ namespace {
 using Callback = void (*)(CallbackContext*, DeviceIterator);
 using Handler = void (SerialPortManager::*)(DeviceIterator);
 
-std::mutex s_sharedMutex;
-std::shared_ptr<SerialPortManager> s_shared;
+platform::Mutex s_sharedMutex;
+std::shared_ptr<SerialPortManager> s_shared VORRANO_GUARDED_BY(s_sharedMutex);
 
 // What a watch calls as long as the manager lives.
 std::function<void(DeviceIterator)> toldTo(Callback callback, std::weak_ptr<SerialPortManager> manager)
@@ -63,7 +64,7 @@ void SerialPortManagerPortsTerminatedNotificationCallback(CallbackContext* conte
 
 std::shared_ptr<SerialPortManager> SerialPortManager::sharedSerialPortManager()
 {
-    const std::lock_guard lock(s_sharedMutex);
+    const platform::MutexLock lock(s_sharedMutex);
     if (!s_shared) {
         s_shared = std::shared_ptr<SerialPortManager>(new SerialPortManager);
         s_shared->init();
@@ -74,7 +75,7 @@ std::shared_ptr<SerialPortManager> SerialPortManager::sharedSerialPortManager()
 void SerialPortManager::releaseShared()
 {
     std::shared_ptr<SerialPortManager> released;
-    const std::lock_guard lock(s_sharedMutex);
+    const platform::MutexLock lock(s_sharedMutex);
     released.swap(s_shared);
 }
 

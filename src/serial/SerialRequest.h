@@ -51,6 +51,9 @@ public:
     void setTimeoutInterval(std::chrono::duration<double> timeoutInterval);
     [[nodiscard]] const ResponseEvaluator& responseEvaluator() const { return m_responseEvaluator; }
     void setResponseEvaluator(ResponseEvaluator responseEvaluator);
+    // Whether the response is a secret, a stored password for instance, that must reach no log. False at first.
+    [[nodiscard]] bool isResponseSecret() const { return m_isResponseSecret; }
+    void setResponseSecret(bool secret) { m_isResponseSecret = secret; }
     // 36 characters, another one for each request.
     [[nodiscard]] const std::string& UUIDString() const { return m_uuidString; }
 
@@ -63,6 +66,7 @@ private:
     std::chrono::duration<double> m_timeoutInterval;
     ResponseEvaluator m_responseEvaluator;
     std::string m_uuidString;
+    bool m_isResponseSecret = false;
 };
 
 } // namespace vorrano::serial

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 #include "platform/asio/AsioBackgroundQueue.h"
 
 #include <gtest/gtest.h>
@@ -58,7 +58,7 @@ class QueueTest : public testing::Test {
 protected:
     KeptLog log;
     std::unique_ptr<asio_platform::AsioBackgroundQueue> queue =
-        std::make_unique<asio_platform::AsioBackgroundQueue>(log, std::this_thread::get_id());
+        std::make_unique<asio_platform::AsioBackgroundQueue>(log);
 
     // Runs the task on a background thread and waits for its end.
     void onBackground(const std::function<void()>& task);

@@ -171,7 +171,10 @@ std::vector<Action> cloudActions()
     const std::string kHelp2 = "Password must be greater than 5 characters.";
     const std::string kHelp3 = "Guest password must be greater than 5 characters.";
     return {
-        {.name = "sign in", .screen = Screen::Login, .kind = Kind::SignIn, .button = "loginButton",
+        {.name = "sign in",
+         .screen = Screen::Login,
+         .kind = Kind::SignIn,
+         .button = "loginButton",
          .fields = {{"accountId", "ada"}, {"password", "secret1"}}},
         {.name = "load account", .screen = Screen::Account, .kind = Kind::LoadAccount},
         {.name = "save account", .screen = Screen::Account, .kind = Kind::SaveAccount, .button = "saveButton"},
@@ -180,8 +183,14 @@ std::vector<Action> cloudActions()
                                "spaces.")}),
         local("help 2", Screen::Account, "helpButton2", {alertOf("Help", kHelp2)}),
         local("help 3", Screen::Account, "helpButton3", {alertOf("Help", kHelp3)}),
-        {.name = "register", .screen = Screen::Register, .kind = Kind::Register, .button = "saveButton",
-         .fields = {{"vorranoName", "Kitchen"}}, .writes = {"3"}, .reply = {kMac}, .isWhole = isMacPacket},
+        {.name = "register",
+         .screen = Screen::Register,
+         .kind = Kind::Register,
+         .button = "saveButton",
+         .fields = {{"vorranoName", "Kitchen"}},
+         .writes = {"3"},
+         .reply = {kMac},
+         .isWhole = isMacPacket},
     };
 }
 
@@ -223,10 +232,17 @@ std::vector<Action> utilitiesActions()
         setting("set throttle", kScreen, "buttonSetThrottle", {{"setThrottleTextField", "60"}}, {"e", "\x28"}),
         reset("reset device", kScreen, "resetDevice", "7", "Finished Resetting Device"),
         reset("reset modem", kScreen, "resetModem", "6", "Finished Resetting Modem"),
-        {.name = "upload firmware", .screen = kScreen, .kind = Kind::Upload, .button = "buttonUpdateFirmware",
+        {.name = "upload firmware",
+         .screen = kScreen,
+         .kind = Kind::Upload,
+         .button = "buttonUpdateFirmware",
          .writes = {"7", "b"}},
-        {.name = "check firmware", .screen = kScreen, .kind = Kind::Check, .button = "buttonUpdateFirmware",
-         .writes = {"4"}, .reply = {"9.50\n\r"}},
+        {.name = "check firmware",
+         .screen = kScreen,
+         .kind = Kind::Check,
+         .button = "buttonUpdateFirmware",
+         .writes = {"4"},
+         .reply = {"9.50\n\r"}},
     };
 }
 

@@ -18,16 +18,16 @@ using Chunks = std::vector<std::string>;
 enum class Screen { Login, Account, Register, Wifi, Utilities };
 
 enum class Kind {
-    Local,       // touches neither the line nor the service
-    Request,     // a request, or several in a row, of which the last waits for its reply for 2 s
-    Reset,       // a request that waits for nothing
-    Raw,         // bytes past the request queue; whatever comes back is shown, whenever it comes
-    Upload,      // the dialogue with the bootloader, and an image
-    Check,       // a raw query for the version, then the service's answer about the latest one
+    Local,   // touches neither the line nor the service
+    Request, // a request, or several in a row, of which the last waits for its reply for 2 s
+    Reset,   // a request that waits for nothing
+    Raw,     // bytes past the request queue; whatever comes back is shown, whenever it comes
+    Upload,  // the dialogue with the bootloader, and an image
+    Check,   // a raw query for the version, then the service's answer about the latest one
     SignIn,
     LoadAccount, // the choice of the tab
     SaveAccount,
-    Register,    // the choice of the tab, which asks for the MAC address; then the button
+    Register, // the choice of the tab, which asks for the MAC address; then the button
 };
 
 struct Action {

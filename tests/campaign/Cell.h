@@ -27,7 +27,8 @@ inline constexpr std::chrono::milliseconds kGrace{250};
 // Runs it in a demo of its own.
 [[nodiscard]] Cell runCell(const Action& action, const Fault& fault, Moment moment, const std::filesystem::path& image);
 
-// What came of it in one letter: "=" as if all were well, "t" told as a time-out, "-" nothing shown, "o" something else,
+// What came of it in one letter: "=" as if all were well, "t" told as a time-out, "-" nothing shown, "o" something
+// else,
 // "!" not what had to come.
 [[nodiscard]] char letterOf(const Cell& cell);
 

@@ -1,9 +1,9 @@
 #include "campaign/Demo.h"
 
-#include "app/session/GlobalVariables.h"
 #include "cloud/LoginViewController.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
+#include "session/GlobalVariables.h"
 
 #include <cerrno>
 #include <map>

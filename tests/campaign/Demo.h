@@ -46,7 +46,8 @@ public:
 
     // Whether the screen is dimmed.
     [[nodiscard]] bool isBusy(Screen screen);
-    // What an action is for, where no alert tells: signed in, with the account in the form, with the image in the device.
+    // What an action is for, where no alert tells: signed in, with the account in the form, with the image in the
+    // device.
     [[nodiscard]] bool isSignedIn();
     [[nodiscard]] bool isAccountShown();
     [[nodiscard]] bool isImageWhole();

@@ -331,7 +331,8 @@ Outcome expectedOutcome(const Action& action, const Fault& fault, Moment moment)
     if (const auto* mood = std::get_if<ServiceMood>(&fault.what)) {
         return outcomeOf(action, {}, *mood);
     }
-    const bool asksFirst = action.kind == Kind::SignIn || action.kind == Kind::SaveAccount || action.kind == Kind::Register;
+    const bool asksFirst =
+        action.kind == Kind::SignIn || action.kind == Kind::SaveAccount || action.kind == Kind::Register;
     if (moment == Moment::Before && asksFirst) {
         auto outcome = healthyOutcome(action);
         outcome.alerts = {kNoNetwork};

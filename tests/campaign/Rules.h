@@ -18,8 +18,8 @@ struct Outcome {
     std::chrono::milliseconds limit{0};
 };
 
-// What must come of it. It follows from a few rules: what reaches the program of a reply under a fault, what each kind of
-// action does with that, and what a body of the service is to the screen that asked for it.
+// What must come of it. It follows from a few rules: what reaches the program of a reply under a fault, what each kind
+// of action does with that, and what a body of the service is to the screen that asked for it.
 [[nodiscard]] Outcome expectedOutcome(const Action& action, const Fault& fault, Moment moment);
 
 // What comes of it when all is well.

@@ -83,7 +83,7 @@ def TheCableCanBePulledWhileAnAlertIsUp(world):
 @situation(program="vorrano-demo", plugged=False)
 def EachControlOfTheSimulatedVorranoHasANameAndIsReachedByKeys(world):
     root = wait_for("the simulator", lambda: world.bus.applications("vorrano-simulator"))[0]
-    world.display.focus_window_called("Simulated Vorrano")
+    world.display.give_keyboard(cable_button(world))
     first = wait_for("the keyboard", lambda: focused(root))
 
     way = [first]
@@ -103,7 +103,7 @@ def TheSimulatedVorranoIsWorkedByKeysAndReadAloud(world):
     root = wait_for("the simulator", lambda: world.bus.applications("vorrano-simulator"))[0]
     vorrano = control_of(world)
     open_tab(world.program, "Wifi Setup")
-    world.display.focus_window_called("Simulated Vorrano")
+    world.display.give_keyboard(cable_button(world))
     wait_for("the keyboard", lambda: focused(root))
 
     keys("alt+c")

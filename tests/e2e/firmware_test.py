@@ -3,11 +3,16 @@ import os
 
 from harness.firmware import (FINISHED, PC_CONNECTED, answer, begin, expect_image, expect_proceed_question, image_of,
                               wait_for_upload)
+from harness.logind import logind
 from harness.screens import open_utilities
+from harness.stamps import WriteStamps
 from harness.waiting import stays, wait_for
 from harness.world import situation
 
 LOOPBACK = "vorrano-setup-loopback"
+AWAKE = ("sleep:idle:handle-lid-switch:shutdown", "block")
+# Seconds; the single-precision value of 0.1.
+LINE_PAUSE = 0.10000000149011612
 LATEST = ("Your Vorrano is updated with the latest version. There is no need to update.", "Latest Version Detected")
 
 
@@ -23,6 +28,37 @@ def AnImageIsSentAsItStands(world):
     assert world.vorrano.received == b"7bu" + image.replace("\n", "").encode()
     expect_image(world, image)
     wait_for("the new firmware", lambda: world.vorrano.device["firmwareVersion"] == "9.60")
+
+
+@situation(started=False)
+def KeepsTheComputerAwakeDuringTheUpload(world):
+    with logind(world.folder) as login_manager:
+        world.start({"DBUS_SYSTEM_BUS_ADDRESS": login_manager.address})
+        open_utilities(world.program)
+        assert AWAKE not in login_manager.requests()
+
+        begin(world, image_of(5))
+        alert = world.program.alert()
+
+        assert (alert.title, alert.text) == FINISHED, alert
+        assert AWAKE in login_manager.requests()
+        wait_for("the computer to sleep as it likes", lambda: AWAKE not in login_manager.inhibitors())
+        world.program.dismiss(alert)
+
+
+@situation(started=False)
+def NoPauseAfterALineIsTooShort(world):
+    stamps = WriteStamps(world)
+    world.start(stamps.environment)
+    open_utilities(world.program)
+    image = image_of(20)
+
+    begin(world, image)
+    world.program.expect_alert(*FINISHED)
+
+    _, pauses = stamps.of_image(image)
+    assert len(pauses) == 19
+    assert min(pauses) >= LINE_PAUSE, min(pauses)
 
 
 @situation(program=LOOPBACK)
@@ -78,7 +114,7 @@ def EscapeIsNoAnswer(world):
     open_utilities(world.program)
     world.program.press("Update Firmware")
     alert = world.program.alert()
-    world.display.focus_window(world.program.pid)
+    world.display.give_keyboard(alert.node)
 
     world.display.keys("Escape")
 
@@ -122,9 +158,11 @@ def AnUploadThatIsNotTakenIsRefused(world):
 
 def AFileThatIsNotThereIsReportedAndFinished(world):
     open_utilities(world.program)
-    world.vorrano.fault("delay", command=">", delay=1500)
+    world.vorrano.fault("silence", command=">")
     begin(world, image_of(2))
+    wait_for("the bootloader", lambda: world.vorrano.state["mode"] == "bootloader")
     os.unlink(os.path.join(world.folder, "vorrano.hex"))
+    world.vorrano.do("say", bytes=">")
 
     world.program.expect_alert("Problem encountered during final bootloader sequence", "Error")
     world.program.expect_alert(*FINISHED)
@@ -143,6 +181,42 @@ def NothingCanBePressedDuringTheUpload(world):
     tab.act("Press")
 
     world.program.expect_alert(*FINISHED)
+    expect_nothing_but(world, image)
+
+
+def APersonsOwnPointerAndKeysReachNothingDuringTheUpload(world):
+    open_utilities(world.program)
+    field = world.program.field("Throttle")
+    clicked = [world.program.button("Power Status"), world.program.find("page tab", "Wifi Setup"), field]
+    image = image_of(100)
+    begin(world, image)
+    wait_for_upload(world)
+    world.display.give_keyboard(field)
+    before = focused(world)
+
+    for node in clicked:
+        world.display.click_on(node)
+    world.display.keys("Tab", "space", "Return", "alt+r", "ctrl+Tab")
+    world.display.write("21")
+
+    # Pauses in which the program would have met all of it.
+    sent = world.vorrano.state["imageSize"]
+    wait_for("more of the image", lambda: world.vorrano.state["imageSize"] > sent + 200)
+    assert not world.program.alerts(), "the upload was over too soon"
+    assert focused(world) == before
+    world.program.expect_alert(*FINISHED)
+    expect_nothing_but(world, image)
+    world.display.give_keyboard(field)
+    assert focused(world) == before
+
+
+def focused(world):
+    return [node for node in world.program.root.find_all() if node.has("focused")]
+
+
+def expect_nothing_but(world, image):
+    """The image was sent, and nothing came of what the person did meanwhile."""
+    field = world.program.field("Throttle")
     stays("nothing happened", lambda: world.vorrano.received == b"7bu" + image.replace("\n", "").encode() and
           world.program.selected_tab() == "Utilities" and field.text == "" and not world.program.alerts())
 

@@ -1,7 +1,7 @@
 """The program as it ships talks to the service over HTTPS, and to nobody who only pretends to be it."""
 from harness.https import EXPIRED, Https
 from harness.waiting import stays
-from service_test import FIELDS, ROOT, sign_in, wait_for_fields
+from service_test import FIELDS, SIGNED_IN, sign_in, wait_for_fields
 
 
 def expect_a_null_reply(world):
@@ -18,7 +18,7 @@ def SignsInOverHttps(world):
     sign_in(world)
 
     wait_for_fields(world, FIELDS)
-    assert world.vorrano.requests == [ROOT + "validateLogin/ada/secret1", ROOT + "getAccounts/1234"]
+    assert world.vorrano.requests == SIGNED_IN
 
 
 def ACertificateOfAnotherHostIsRefused(world):

@@ -1,5 +1,5 @@
 """With an alert up nothing else can be pressed, typed into or chosen, not even over the accessibility bus."""
-from harness.screens import open_wifi_setup
+from harness.screens import open_utilities, open_wifi_setup
 from harness.waiting import stays, wait_for
 
 
@@ -83,18 +83,20 @@ def TheSheetBlocksTheLoginWindow(world):
 
 
 def AnAlertHoldsBackWhatArrivesMeanwhile(world):
-    open_wifi_setup(world.program)
-    world.vorrano.fault("delay", delay=500)
-    world.program.press("Check network name")
-    wait_for("the query", lambda: world.vorrano.received == b"c")
-    world.program.press("Save security type")
+    open_utilities(world.program)
+    world.program.type("Wi-Fi password", "x" * 65)
+    world.vorrano.fault("silence")
+    world.program.press("Firmware Version")
+    wait_for("the query", lambda: world.vorrano.received == b"4")
+    world.program.press("Set Wi-Fi password")
     alert = world.program.alert()
+    world.vorrano.do("say", bytes="9.50\n\r")
     wait_for("the reply", lambda: any(event.get("event") == "sent" for event in world.vorrano.events))
 
     stays("one alert", lambda: len(world.program.alerts()) == 1)
 
     world.program.dismiss(alert)
-    world.program.expect_alert("Not set\n\n\r", "Success")
+    world.program.expect_alert("9.50\n\r", "Device Firmware Version")
 
 
 def AnAlertHoldsBackThePluggedCable(world):

@@ -13,13 +13,18 @@ ADA = {"AccountLogin": "ada", "Password": "secret1", "GuestPassword": "guest12",
 FIELDS = {"Account ID": "ada", "Email": "ada@vorrano.example", "Name": "Ada L\u00f6w", "Address": "1 Long Road",
           "Address line 2": "", "City": "Springfield", "State or province": "Ohio", "Country": "USA",
           "Zip or postal code": "12345"}
+SIGNED_IN = [ROOT + "validateLogin/ada/secret1", ROOT + "getAccounts/1234"]
 SAVED = ("Success!", "Account Information Saved Successfully. Proceed to Register Vorrano")
 
 
-def sign_in(world, account="ada", password="secret1"):
+def fill_in(world, account="ada", password="secret1"):
     world.vorrano.do("addAccount", values=ADA)
     world.program.type("Account ID or email", account)
     world.program.type("Password", password)
+
+
+def sign_in(world, account="ada", password="secret1"):
+    fill_in(world, account, password)
     world.program.press("Sign In")
 
 
@@ -35,7 +40,7 @@ def SigningInLoadsTheAccount(world):
     wait_for_fields(world, FIELDS)
 
     assert not world.program.field("Account ID").has("enabled")
-    assert world.vorrano.requests == [ROOT + "validateLogin/ada/secret1", ROOT + "getAccounts/1234"]
+    assert world.vorrano.requests == SIGNED_IN
     world.picture("account")
 
 
@@ -160,8 +165,27 @@ def AReplyOfAnotherShapeDoesNotSignIn(world):
 
 
 @situation(program=LOOPBACK)
+def ASignInThatSucceedsUnderTheAgreementLeavesTheSetupWindowAlone(world):
+    world.vorrano.do("serviceFault", kind="slow", method="validateLogin", delay=5000)
+    sign_in(world)
+    wait_for("the request", lambda: world.vorrano.requests)
+    world.program.press("Create Account")
+    world.program.find("push button", "Accept")
+    world.picture("agreement")
+
+    world.program.find("page tab", "Wifi Setup")
+
+    wait_for("the setup window alone", lambda: len(world.program.windows()) == 1)
+    for gone in ("Accept", "Sign In"):
+        assert not world.program.look_for("push button", gone), gone
+    wait_for_fields(world, FIELDS)
+    world.display.close_window(world.program.pid)
+    assert world.program.wait() == 0
+
+
+@situation(program=LOOPBACK)
 def AReplyThatComesDuringAnAlertWaitsForIt(world):
-    world.vorrano.do("serviceFault", kind="slow", delay=1500)
+    world.vorrano.do("serviceFault", kind="slow", delay=4000)
     sign_in(world, password="wrong")
     wait_for("the request", lambda: world.vorrano.requests)
     world.program.type("Account ID or email", "")
@@ -169,7 +193,19 @@ def AReplyThatComesDuringAnAlertWaitsForIt(world):
     alert = world.program.alert()
     assert alert.text == "Please enter Account ID or email"
 
-    stays("one alert", lambda: len(world.program.alerts()) == 1, 2.0)
+    stays("one alert", lambda: len(world.program.alerts()) == 1, 5.0)
     world.program.dismiss(alert)
 
     world.program.expect_alert("Invalid AccountID/Password", "Please try again")
+
+
+@situation(program=LOOPBACK)
+def TheWindowGoesOnWhileTheServiceIsSilent(world):
+    world.vorrano.do("serviceFault", kind="noAnswer")
+    sign_in(world)
+    wait_for("the request", lambda: world.vorrano.requests)
+
+    world.program.type("Account ID or email", "somebody")
+    world.program.press("Create Account")
+
+    world.program.button("Accept")

@@ -3,6 +3,7 @@
 
 usage: simulator_itself.py BUILD_FOLDER
 """
+import fcntl
 import http.client
 import os
 import select
@@ -18,7 +19,7 @@ import urllib.request
 
 sys.dont_write_bytecode = True
 from harness.simulator import Control, Simulator  # noqa: E402
-from harness.waiting import wait_for  # noqa: E402
+from harness.waiting import DEADLINE, wait_for  # noqa: E402
 
 BUILD = ""
 ROOT = "/VorranoAPI/RestServiceImpl.svc/"
@@ -43,39 +44,74 @@ class SimulatorItself(unittest.TestCase):
                        capture_output=True)
         self.simulator.do("serveSecurely", key=files[0], certificate=files[1], port=0)
 
-    def read(self):
-        """One chunk, or None when none comes within a second."""
-        return os.read(self.line, 4096) if select.select([self.line], [], [], 1.0)[0] else None
+    def read(self, wanted):
+        """As many bytes as are wanted, in however many reads they come; fewer when no more come, or at a hang-up."""
+        gathered = b""
+        while len(gathered) < len(wanted) and self.waits_to_be_read():
+            more = os.read(self.line, 4096)
+            if not more:
+                break
+            gathered += more
+        return gathered
+
+    def waits_to_be_read(self):
+        return bool(select.select([self.line], [], [], DEADLINE)[0])
+
+    def sent(self):
+        """The pieces that it has sent."""
+        return [event["bytes"] for event in self.simulator.events if event.get("event") == "sent"]
+
+    def unread(self):
+        """How many bytes wait to be read."""
+        return int.from_bytes(fcntl.ioctl(self.line, termios.FIONREAD, bytes(4)), sys.byteorder)
+
+    def assert_reads(self, wanted):
+        self.assertEqual(self.read(wanted), wanted)
 
     def fetch(self, path):
         port = self.simulator.state["service"]["port"]
-        return urllib.request.urlopen("http://127.0.0.1:%d%s%s" % (port, ROOT, path), timeout=5).read()
+        return urllib.request.urlopen("http://127.0.0.1:%d%s%s" % (port, ROOT, path), timeout=DEADLINE).read()
 
     def test_answers_on_its_pseudo_terminal(self):
         os.write(self.line, b"3")
 
-        self.assertEqual(self.read(), b"00:1E:5C:0A:1B:2C\n\r")
+        self.assert_reads(b"00:1E:5C:0A:1B:2C\n\r")
 
     def test_stores_what_it_is_told(self):
         os.write(self.line, b"8My$Home$Net\0")
 
-        self.assertEqual(self.read(), b"OK\n\r")
+        self.assert_reads(b"OK\n\r")
         self.assertEqual(self.simulator.device["ssid"], "My$Home$Net")
         self.assertEqual(self.simulator.received, b"8My$Home$Net\0")
 
-    def test_sends_the_next_piece_when_the_last_was_read(self):
+    def test_says_what_it_is_told_to_say(self):
+        self.simulator.do("say", bytes="\u00ffab\n\r")
+
+        self.assert_reads(b"\xffab\n\r")
+
+    def test_sends_no_piece_before_the_last_was_read(self):
         self.simulator.fault("split")
 
         os.write(self.line, b"c")
 
-        for byte in b"Not$set\n\n\r":
-            self.assertEqual(self.read(), bytes([byte]))
+        self.assertTrue(self.waits_to_be_read())
+        # It has done all that it does at once when it answers.
+        self.assertTrue(self.simulator.state["line"]["plugged"])
+        self.assertLessEqual(self.unread(), 1)
+
+    def test_sends_every_piece_of_a_reply_that_is_split(self):
+        self.simulator.fault("split")
+
+        os.write(self.line, b"c")
+
+        self.assert_reads(b"Not$set\n\n\r")
+        wait_for("the event of each piece", lambda: self.sent() == list("Not$set\n\n\r"))
 
     def test_loses_what_nobody_reads(self):
         os.write(self.line, b"1")
-        wait_for("the second half", lambda: any("V1.4" in e.get("bytes", "") for e in self.simulator.events))
+        wait_for("the second half", lambda: "V1.4\n\r" in self.sent())
 
-        self.assertEqual(self.read(), b"V1.4\n\r")
+        self.assert_reads(b"V1.4\n\r")
 
     def test_tells_the_rate_that_was_set(self):
         settings = termios.tcgetattr(self.line)
@@ -87,7 +123,7 @@ class SimulatorItself(unittest.TestCase):
     def test_hangs_up_when_the_cable_is_pulled(self):
         self.simulator.do("unplug")
 
-        self.assertEqual(self.read(), b"")
+        self.assertEqual(os.read(self.line, 4096), b"")
         self.assertFalse(self.simulator.state["line"]["plugged"])
         wait_for("the event", lambda: [e for e in self.simulator.events if e.get("event") == "unplugged"])
 
@@ -98,7 +134,7 @@ class SimulatorItself(unittest.TestCase):
 
         os.write(self.line, b"h")
 
-        self.assertEqual(self.read(), b"0\n\r")
+        self.assert_reads(b"0\n\r")
 
     def test_hangs_up_in_the_middle_of_a_reply(self):
         self.simulator.fault("hangUp", command="3", count=5)
@@ -110,7 +146,7 @@ class SimulatorItself(unittest.TestCase):
     def test_forgets_what_it_had_still_to_say_when_the_cable_is_pulled(self):
         self.simulator.fault("split", command="3")
         os.write(self.line, b"3")
-        wait_for("the first piece", lambda: [e for e in self.simulator.events if e.get("event") == "sent"])
+        wait_for("the first piece", self.sent)
 
         self.simulator.do("unplug")
         os.close(self.line)
@@ -118,15 +154,15 @@ class SimulatorItself(unittest.TestCase):
         self.simulator.do("clearFaults")
 
         os.write(self.line, b"h")
-        self.assertEqual(self.read(), b"0\n\r")
+        self.assert_reads(b"0\n\r")
 
     def test_goes_on_when_a_listener_leaves_in_the_middle_of_an_upload(self):
         leaver = Control(self.simulator.path)
         leaver.do("subscribe")
         os.write(self.line, b"7b")
-        self.assertEqual(self.read(), b">")
+        self.assert_reads(b">")
         os.write(self.line, b"u")
-        self.assertEqual(self.read(), b"U")
+        self.assert_reads(b"U")
         leaver.close()
 
         os.write(self.line, b":" * 2000)
@@ -157,9 +193,9 @@ class SimulatorItself(unittest.TestCase):
 
     def test_enters_its_bootloader_and_takes_an_image(self):
         os.write(self.line, b"7b")
-        self.assertEqual(self.read(), b">")
+        self.assert_reads(b">")
         os.write(self.line, b"u")
-        self.assertEqual(self.read(), b"U")
+        self.assert_reads(b"U")
         os.write(self.line, b":00000001FF\r")
 
         image = wait_for("the image", lambda: (lambda i: i["complete"] and i)(self.simulator.do("image")))
@@ -208,7 +244,7 @@ class SimulatorItself(unittest.TestCase):
         self.simulator.do("serviceFault", kind="endless")
         port = self.simulator.state["service"]["port"]
 
-        with urllib.request.urlopen("http://127.0.0.1:%d%s" % (port, ROOT), timeout=5) as response:
+        with urllib.request.urlopen("http://127.0.0.1:%d%s" % (port, ROOT), timeout=DEADLINE) as response:
             self.assertEqual(len(response.read(1 << 21)), 1 << 21)
 
     def test_sends_without_end_over_tls_no_faster_than_it_is_read(self):
@@ -216,7 +252,7 @@ class SimulatorItself(unittest.TestCase):
         self.simulator.do("serviceFault", kind="endless", times=1)
         port = self.simulator.state["service"]["securePort"]
         context = ssl.create_default_context(cafile=os.path.join(self.folder.name, "certificate"))
-        with socket.create_connection(("127.0.0.1", port), timeout=5) as plain, \
+        with socket.create_connection(("127.0.0.1", port), timeout=DEADLINE) as plain, \
                 context.wrap_socket(plain, server_hostname="localhost") as caller:
             caller.sendall(b"GET %s HTTP/1.1\r\n\r\n" % ROOT.encode())
             self.assertEqual(caller.recv(4), b"HTTP")
@@ -232,7 +268,7 @@ class SimulatorItself(unittest.TestCase):
         self.simulator.do("refuseConnections")
 
         with self.assertRaises(urllib.error.URLError):
-            urllib.request.urlopen("http://127.0.0.1:%d/" % port, timeout=5)
+            urllib.request.urlopen("http://127.0.0.1:%d/" % port, timeout=DEADLINE)
         self.simulator.do("acceptConnections", port=port)
         self.assertEqual(self.fetch("getAccounts/1"), b'{"data":[]}')
 

@@ -10,6 +10,16 @@ from harness.waiting import wait_for
 from harness.world import situation
 
 
+@situation(started=False)
+def LeavesQtsOwnOptionsToQt(world):
+    world.start({"DISPLAY": ":no-display"}, arguments=("-display", world.display.name, "-reverse"))
+
+    # From right to left: a field is to the left of its label.
+    field = world.program.field("Password")
+    label = world.program.find("label", "Password")
+    assert field.extents[0] < label.extents[0], (field.extents, label.extents)
+
+
 def CancellingTheAgreementLeavesTheLoginAsItWas(world):
     world.program.type("Account ID or email", "somebody")
     world.program.press("Create Account")

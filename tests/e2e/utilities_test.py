@@ -12,7 +12,7 @@ def ask(world, button, title, text, sent):
     assert world.vorrano.received == sent, (button, world.vorrano.received)
 
 
-def AnswersEachQuestion(world):
+def ShowsWhatTheVorranoSaysOfItself(world):
     open_utilities(world.program)
     world.picture("utilities")
 
@@ -69,7 +69,7 @@ def ResetsTheModemAndTheVorrano(world):
     ask(world, "Power Status", "USB power\n\r", "Success", b"0")
 
 
-def AnotherAdaptersReplyIsNotShown(world):
+def ATemperatureUnitWithoutItsLineEndIsShownWithoutAText(world):
     open_utilities(world.program)
     world.vorrano.fault("answer", command="h", bytes="0")
 

@@ -1,5 +1,8 @@
 """A person gives a Vorrano its network."""
-from harness.screens import NO_VORRANO, create_account, open_wifi_setup
+import os
+import time
+
+from harness.screens import NO_VORRANO, OTHER_VORRANO, create_account, open_wifi_setup
 from harness.waiting import stays, wait_for
 from harness.world import situation
 
@@ -131,6 +134,20 @@ def ShowsAReplyThatComesByteByByte(world):
     world.program.expect_alert("Not set\n\n\r", "Success")
 
 
+def ASilentVorranoIsNotGivenUpBeforeTwoSeconds(world):
+    open_wifi_setup(world.program)
+    world.vorrano.fault("silence")
+    world.program.type("Network name", "My Home Net")
+
+    world.program.press("Save network name")
+    wait_for("the last byte", lambda: world.vorrano.received.endswith(b"\0"))
+    alert = world.program.alert()
+    waited = time.monotonic() - world.vorrano.time_of("received", b"\0")
+
+    assert waited >= 2.0, waited
+    assert (alert.title, alert.text) == ("ERROR", "Please try again")
+
+
 def KeepsItsNameWhenTheCableIsPulledAndPluggedIn(world):
     open_wifi_setup(world.program)
     assert not world.program.shows(NO_VORRANO)
@@ -164,6 +181,26 @@ def TakesUpACableThatIsPulledDuringAReply(world):
     if world.program.alert().title == "ERROR":
         world.program.expect_alert("ERROR", "Please try again")
     world.program.expect_alert("Not set\n\n\r", "Success")
+
+
+def SaysHowToUseTheOtherVorranoWhenTheOneInUseIsUnplugged(world):
+    master, slave = os.openpty()
+    world.computer.plug(os.ttyname(slave), serial="C3D4", number=2, minor=1)
+    open_wifi_setup(world.program)
+    assert not world.program.shows(OTHER_VORRANO)
+
+    world.pull_the_cable()
+    wait_for("the notice", lambda: world.program.shows(OTHER_VORRANO))
+    assert not world.program.shows(NO_VORRANO)
+    world.program.press("Check network name")
+    stays("the notice", lambda: world.program.shows(OTHER_VORRANO))
+    world.picture("other_vorrano")
+
+    world.program.choose_tab("Wifi Setup")
+    wait_for("the notice to go", lambda: not world.program.shows(OTHER_VORRANO))
+    wait_for("the other line", lambda: os.ttyname(slave) in world.program.open_files())
+    os.close(slave)
+    os.close(master)
 
 
 @situation(plugged=False)

@@ -9,25 +9,29 @@ import re
 import sys
 import tempfile
 
-# What a folder may include of the project, besides itself.
-GROUND = ["platform", "app/session"]
+# The folders from the ground up, each with the folders below it that it may include, besides itself. A folder names only
+# folders that stand above it in this list, so no arrow runs back up.
+GROUND = ["platform", "session", "text"]
 ALLOWED = {
-    "app/session": [],
+    "text": [],
+    "session": [],
     "platform": [],
     "serial": ["platform"],
-    "cloud/web": ["platform"],
-    "device": GROUND + ["serial", "cloud/web"],
-    "cloud": GROUND + ["serial", "cloud/web", "device"],
-    "app/shell": GROUND + ["serial", "cloud/web", "device", "cloud"],
-    "platform/asio": ["platform"],
+    "web": ["platform", "text"],
+    "device": GROUND + ["serial", "web"],
+    "cloud": GROUND + ["serial", "web", "device"],
+    "app/shell": GROUND + ["serial", "web", "device", "cloud"],
+    "platform/posix": ["platform"],
     "platform/linux": ["platform"],
+    "platform/curl": ["platform"],
+    "platform/asio": ["platform"],
     "platform/qt": ["platform"],
     "app": None,  # the programs: they compose everything
 }
 # What the adapters are made of; nobody else may know it.
 FOREIGN = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*|asio(/|\.hpp).*|curl/.*|libudev\.h|libmnl/.*|linux/.*|dbus/.*)$")
 # The one folder of the logic that knows a library.
-JSON_FOLDER = "cloud/web"
+JSON_FOLDER = "web"
 INCLUDE = re.compile(r'^\s*#\s*include\s*(["<])([^">]+)[">]')
 
 
@@ -37,6 +41,15 @@ def folder_of(path):
     while parts and "/".join(parts) not in ALLOWED:
         parts.pop()
     return "/".join(parts)
+
+
+def arrows_back_up():
+    below = set()
+    for folder, allowed in ALLOWED.items():
+        for other in allowed or []:
+            if other not in below:
+                yield "%s may include %s, which does not stand below it" % (folder, other)
+        below.add(folder)
 
 
 def wrong_includes(root):
@@ -76,17 +89,18 @@ def judge(folder, quote, target):
 
 def self_test():
     cases = {
-        "serial/A.cpp": ['#include "device/X.h"', '#include "platform/linux/LinuxTerminal.h"', "#include <QString>",
+        "serial/A.cpp": ['#include "device/X.h"', '#include "platform/posix/LinuxTerminal.h"', "#include <QString>",
                          "#include <asio.hpp>", "#include <nlohmann/json.hpp>", "#include <libudev.h>"],
         "platform/A.h": ["#include <QtWidgets/QWidget>", "#include <curl/curl.h>", '#include "serial/SerialPort.h"'],
         "cloud/A.cpp": ['#include "app/shell/SetupMenuViewController.h"'],
-        "app/session/A.cpp": ['#include "platform/MainQueue.h"'],
+        "session/A.cpp": ['#include "platform/MainQueue.h"'],
+        "web/A.cpp": ['#include "cloud/AccountForm.h"'],
         "platform/qt/A.cpp": ['#include "platform/asio/AsioBackgroundQueue.h"'],
         "elsewhere/A.cpp": ["#include <vector>"],
     }
     good = {
         "serial/B.cpp": ['#include "serial/SerialPort.h"', '#include "platform/Terminal.h"', "#include <vector>"],
-        "cloud/web/B.cpp": ["#include <nlohmann/json.hpp>"],
+        "web/B.cpp": ["#include <nlohmann/json.hpp>"],
         "platform/qt/B.cpp": ["#include <QWidget>", '#include "platform/Layouts.h"', '#include "ui_Layout.h"'],
         "app/main.cpp": ['#include "platform/qt/QtMainLoop.h"', '#include "app/shell/VorranoAppDelegate.h"'],
     }
@@ -108,7 +122,7 @@ def self_test():
 def main():
     if sys.argv[1:] == ["--self-test"]:
         return self_test()
-    found = list(wrong_includes(sys.argv[1]))
+    found = list(arrows_back_up()) + list(wrong_includes(sys.argv[1]))
     print("\n".join(found) if found else "every include is allowed")
     return 1 if found else 0
 

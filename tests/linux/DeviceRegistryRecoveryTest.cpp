@@ -87,6 +87,13 @@ TtyFacts adapter(const std::string& name, const std::string& serialNumber)
     return facts;
 }
 
+TtyFacts adapterOf(const std::string& name, const std::string& serialNumber, std::uint64_t initializedAt)
+{
+    auto facts = adapter(name, serialNumber);
+    facts.initializedAt = initializedAt;
+    return facts;
+}
+
 } // namespace
 
 class RegistryOnABadDay : public testing::Test {
@@ -203,6 +210,84 @@ TEST_F(RegistryOnABadDay, TellsOfAnAdapterThatTookAnothersPlaceWhileEventsWereLo
 
     EXPECT_THAT(terminated, ElementsAre("/dev/cu.usbserial-OLD"));
     EXPECT_THAT(published, ElementsAre("/dev/cu.usbserial-NEW"));
+}
+
+TEST_F(RegistryOnABadDay, TellsOfAnAdapterThatWentAndCameBackWhileEventsWereLost)
+{
+    script.devices = {adapterOf("ttyUSB0", "A", 1000), adapterOf("ttyUSB1", "STAYS", 1000)};
+    watch();
+
+    script.devices = {adapterOf("ttyUSB0", "A", 2000), adapterOf("ttyUSB1", "STAYS", 1000)};
+    script.events = {EventsLost{}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-STAYS", "/dev/cu.usbserial-A"));
+    queue.run();
+
+    EXPECT_THAT(terminated, ElementsAre("/dev/cu.usbserial-A"));
+    EXPECT_THAT(published, ElementsAre("/dev/cu.usbserial-A"));
+}
+
+TEST_F(RegistryOnABadDay, TellsOfAnAdapterThatCameBackThoughUdevSawItsFirstStayOnlyAfterItWasListed)
+{
+    script.devices = {adapterOf("ttyUSB0", "A", 0)};
+    script.lastNumber = 7;
+    watch();
+    script.events = {TtyAdded{7, adapterOf("ttyUSB0", "A", 1000)}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A"));
+    ASSERT_EQ(queue.size(), 0u) << "it is the one that is listed";
+
+    script.devices = {adapterOf("ttyUSB0", "A", 2000)};
+    script.events = {EventsLost{}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A"));
+    queue.run();
+
+    EXPECT_THAT(terminated, ElementsAre("/dev/cu.usbserial-A"));
+    EXPECT_THAT(published, ElementsAre("/dev/cu.usbserial-A"));
+}
+
+TEST_F(RegistryOnABadDay, LearnsAfterALossWhenUdevSawAnAdapterThatStayed)
+{
+    script.devices = {adapterOf("ttyUSB0", "A", 0)};
+    watch();
+    script.devices = {adapterOf("ttyUSB0", "A", 1000)};
+    script.events = {EventsLost{}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A"));
+    ASSERT_EQ(queue.size(), 0u) << "it is the one that is listed";
+
+    script.devices = {adapterOf("ttyUSB0", "A", 2000)};
+    script.events = {EventsLost{}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A"));
+    queue.run();
+
+    EXPECT_THAT(terminated, ElementsAre("/dev/cu.usbserial-A"));
+    EXPECT_THAT(published, ElementsAre("/dev/cu.usbserial-A"));
+}
+
+TEST_F(RegistryOnABadDay, IgnoresTheEventsOfAnEarlierStayOfAnAdapterThatItFound)
+{
+    script.devices = {adapterOf("ttyUSB0", "A", 2000)};
+    script.lastNumber = 9;
+    watch();
+
+    script.events = {TtyAdded{6, adapterOf("ttyUSB0", "A", 1000)}, TtyRemoved{7, "/sys/ttyUSB0"},
+                     TtyAdded{9, adapterOf("ttyUSB0", "A", 2000)}};
+
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A"));
+    EXPECT_EQ(queue.size(), 0u);
+}
+
+TEST_F(RegistryOnABadDay, TellsOfAnAdapterThatCameBackWhileItLooked)
+{
+    script.devices = {adapterOf("ttyUSB0", "A", 1000)};
+    script.lastNumber = 9;
+    watch();
+
+    // Both happened after the enumeration had seen the adapter, and before it ended.
+    script.events = {TtyRemoved{8, "/sys/ttyUSB0"}, TtyAdded{9, adapterOf("ttyUSB0", "A", 2000)}};
+    EXPECT_THAT(listed(), ElementsAre("/dev/cu.usbserial-A"));
+    queue.run();
+
+    EXPECT_THAT(terminated, ElementsAre("/dev/cu.usbserial-A"));
+    EXPECT_THAT(published, ElementsAre("/dev/cu.usbserial-A"));
 }
 
 TEST_F(RegistryOnABadDay, KeepsItsListWhenItCannotEnumerateAfterALoss)

@@ -12,15 +12,17 @@ bool spinUntil(const std::function<bool()>& condition, std::chrono::milliseconds
     deadline.setSingleShot(true);
     QObject::connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
     QTimer round;
+    bool holds = false;
     QObject::connect(&round, &QTimer::timeout, &loop, [&] {
-        if (condition()) {
+        holds = condition();
+        if (holds) {
             loop.quit();
         }
     });
     deadline.start(limit);
     round.start(std::chrono::milliseconds(2));
     loop.exec();
-    return condition();
+    return holds;
 }
 
 } // namespace vorrano::support

@@ -1,13 +1,12 @@
 #include "platform/linux/LogindPowerEvents.h"
 #include "linux/EventLoop.h"
 #include "linux/HeldQueue.h"
-#include "linux/MockedService.h"
+#include "linux/MockedLogind.h"
 #include "linux/PrivateBus.h"
 
 #include <memory>
 #include <stdexcept>
 
-#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <gmock/gmock.h>
@@ -16,7 +15,6 @@
 namespace vorrano {
 
 using linux_platform::LogindPowerEvents;
-using support::MockedService;
 using support::spinUntil;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -24,8 +22,6 @@ using testing::IsEmpty;
 namespace {
 
 const QString kService = "org.freedesktop.login1";
-const QString kPath = "/org/freedesktop/login1";
-const QString kManager = "org.freedesktop.login1.Manager";
 
 void atOnce(const platform::Task& task) { task(); }
 
@@ -33,42 +29,7 @@ void atOnce(const platform::Task& task) { task(); }
 
 class Logind : public testing::Test {
 protected:
-    // What is being inhibited, and how.
-    std::vector<std::string> inhibitors()
-    {
-        std::vector<std::string> all;
-        const auto list = service.call(kPath, kManager, "ListInhibitors").value<QDBusArgument>();
-        list.beginArray();
-        while (!list.atEnd()) {
-            QString what;
-            QString who;
-            QString why;
-            QString mode;
-            quint32 user = 0;
-            quint32 process = 0;
-            list.beginStructure();
-            list >> what >> who >> why >> mode >> user >> process;
-            list.endStructure();
-            all.push_back((what + " " + mode).toStdString());
-        }
-        list.endArray();
-        return all;
-    }
-
-    [[nodiscard]] bool isDelaying() { return inhibitors() == std::vector<std::string>{"sleep delay"}; }
-
-    void sendPrepareForSleep(bool begins)
-    {
-        service.mock(kPath, "EmitSignal",
-                     {kManager, "PrepareForSleep", "b", QVariantList{QVariant::fromValue(begins)}});
-    }
-
-    void refuseInhibitors()
-    {
-        service.mock(kPath, "AddMethod",
-                     {kManager, "Inhibit", "ssss", "h",
-                      "raise dbus.exceptions.DBusException('no', name='org.freedesktop.DBus.Error.AccessDenied')"});
-    }
+    [[nodiscard]] bool isDelaying() const { return logind.inhibitors() == std::vector<std::string>{"sleep delay"}; }
 
     // Subscribes to both, and waits until sleep is being delayed.
     void subscribe()
@@ -78,7 +39,7 @@ protected:
         ASSERT_TRUE(spinUntil([this] { return isDelaying(); }));
     }
 
-    MockedService service{kService, "logind"};
+    support::MockedLogind logind;
     std::vector<std::string> told;
     std::unique_ptr<LogindPowerEvents> power = std::make_unique<LogindPowerEvents>(atOnce);
     platform::Subscription willSleep;
@@ -87,24 +48,24 @@ protected:
 
 TEST_F(Logind, DelaysSleepWhileSomebodyListens)
 {
-    EXPECT_THAT(inhibitors(), IsEmpty());
+    EXPECT_THAT(logind.inhibitors(), IsEmpty());
 
     subscribe();
 
-    EXPECT_THAT(inhibitors(), ElementsAre("sleep delay"));
+    EXPECT_THAT(logind.inhibitors(), ElementsAre("sleep delay"));
 }
 
 TEST_F(Logind, LetsTheComputerSleepOnceTheHandlersHaveReturned)
 {
     bool delaysDuringHandler = false;
     const auto observer = power->onWillSleep([&] {
-        delaysDuringHandler = !spinUntil([&] { return inhibitors().empty(); }, std::chrono::milliseconds(100));
+        delaysDuringHandler = !spinUntil([&] { return logind.inhibitors().empty(); }, std::chrono::milliseconds(100));
     });
     subscribe();
 
-    sendPrepareForSleep(true);
+    logind.sendPrepareForSleep(true);
 
-    EXPECT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+    EXPECT_TRUE(spinUntil([&] { return logind.inhibitors().empty(); }));
     EXPECT_THAT(told, ElementsAre("sleep"));
     EXPECT_TRUE(delaysDuringHandler);
 }
@@ -112,10 +73,10 @@ TEST_F(Logind, LetsTheComputerSleepOnceTheHandlersHaveReturned)
 TEST_F(Logind, TellsOfTheWakingAndDelaysTheNextSleep)
 {
     subscribe();
-    sendPrepareForSleep(true);
-    ASSERT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+    logind.sendPrepareForSleep(true);
+    ASSERT_TRUE(spinUntil([&] { return logind.inhibitors().empty(); }));
 
-    sendPrepareForSleep(false);
+    logind.sendPrepareForSleep(false);
 
     EXPECT_TRUE(spinUntil([&] { return isDelaying(); }));
     EXPECT_THAT(told, ElementsAre("sleep", "wake"));
@@ -123,13 +84,37 @@ TEST_F(Logind, TellsOfTheWakingAndDelaysTheNextSleep)
 
 TEST_F(Logind, TellsEvenWhenItMayNotDelay)
 {
-    refuseInhibitors();
+    logind.refuseInhibitors();
     willSleep = power->onWillSleep([this] { told.emplace_back("sleep"); });
-    ASSERT_TRUE(spinUntil([&] { return service.callsOf(kPath, "Inhibit") == 1; }));
+    ASSERT_TRUE(spinUntil([&] { return logind.requests() == 1; }));
 
-    sendPrepareForSleep(true);
+    logind.sendPrepareForSleep(true);
 
     EXPECT_TRUE(spinUntil([&] { return !told.empty(); }));
+}
+
+TEST_F(Logind, GivesADelayBackThatIsGrantedAfterSleepBegan)
+{
+    logind.beginSleepBeforeGranting();
+
+    willSleep = power->onWillSleep([this] { told.emplace_back("sleep"); });
+
+    EXPECT_TRUE(spinUntil([&] { return !told.empty() && logind.inhibitors().empty(); }));
+    EXPECT_EQ(logind.requests(), 1);
+    EXPECT_THAT(told, ElementsAre("sleep"));
+}
+
+TEST_F(Logind, TellsItsSubscribersInTheOrderInWhichTheyCame)
+{
+    subscribe();
+    const auto secondToSleep = power->onWillSleep([this] { told.emplace_back("sleep again"); });
+    const auto secondToWake = power->onDidWake([this] { told.emplace_back("wake again"); });
+
+    logind.sendPrepareForSleep(true);
+    logind.sendPrepareForSleep(false);
+
+    EXPECT_TRUE(spinUntil([&] { return told.size() == 4; }));
+    EXPECT_THAT(told, ElementsAre("sleep", "sleep again", "wake", "wake again"));
 }
 
 TEST_F(Logind, KeepsSleepWaitingForADeliveryThatIsHeldBack)
@@ -138,8 +123,8 @@ TEST_F(Logind, KeepsSleepWaitingForADeliveryThatIsHeldBack)
     power = std::make_unique<LogindPowerEvents>([&](platform::Task task) { pause.async(std::move(task)); });
     subscribe();
 
-    sendPrepareForSleep(true);
-    sendPrepareForSleep(false);
+    logind.sendPrepareForSleep(true);
+    logind.sendPrepareForSleep(false);
     ASSERT_TRUE(spinUntil([&] { return pause.size() == 2; }));
     EXPECT_THAT(told, IsEmpty());
     EXPECT_TRUE(isDelaying());
@@ -156,11 +141,11 @@ TEST_F(Logind, LetsTheComputerSleepWhenAHandlerFails)
     const auto failing = power->onWillSleep([] { throw std::runtime_error("no"); });
     subscribe();
 
-    sendPrepareForSleep(true);
+    logind.sendPrepareForSleep(true);
     ASSERT_TRUE(spinUntil([&] { return queue.size() == 1; }));
     EXPECT_THROW(queue.run(), std::runtime_error);
 
-    EXPECT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+    EXPECT_TRUE(spinUntil([&] { return logind.inhibitors().empty(); }));
 }
 
 TEST_F(Logind, TellsAnEndedSubscriptionNothing)
@@ -171,9 +156,9 @@ TEST_F(Logind, TellsAnEndedSubscriptionNothing)
     later = power->onWillSleep([this] { told.emplace_back("ended"); });
     willSleep.reset();
 
-    sendPrepareForSleep(true);
+    logind.sendPrepareForSleep(true);
 
-    EXPECT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+    EXPECT_TRUE(spinUntil([&] { return logind.inhibitors().empty(); }));
     EXPECT_THAT(told, IsEmpty());
 }
 
@@ -183,7 +168,7 @@ TEST_F(Logind, DropsItsDelayWhenItGoes)
 
     power.reset();
 
-    EXPECT_TRUE(spinUntil([&] { return inhibitors().empty(); }));
+    EXPECT_TRUE(spinUntil([&] { return logind.inhibitors().empty(); }));
 }
 
 TEST_F(Logind, LeavesNothingDangerousBehindWhenItGoes)
@@ -191,7 +176,7 @@ TEST_F(Logind, LeavesNothingDangerousBehindWhenItGoes)
     support::HeldQueue queue;
     power = std::make_unique<LogindPowerEvents>([&](platform::Task task) { queue.async(std::move(task)); });
     subscribe();
-    sendPrepareForSleep(true);
+    logind.sendPrepareForSleep(true);
     ASSERT_TRUE(spinUntil([&] { return queue.size() == 1; }));
 
     power.reset();

@@ -3,6 +3,7 @@
 #include "linux/EventLoop.h"
 #include "linux/PrivateBus.h"
 
+#include <chrono>
 #include <csignal>
 
 #include <QDBusArgument>
@@ -17,20 +18,27 @@ MockedService::MockedService(const QString& busName, const QString& templateName
     : m_busName(busName)
 {
     PrivateBus::instance();
-    auto bus = QDBusConnection::systemBus();
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
     m_process.start(QStringLiteral("/usr/bin/python3"),
                     {QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system"),
                      QStringLiteral("--template"), templateName});
-    EXPECT_TRUE(spinUntil([&] { return bus.interface()->isServiceRegistered(busName).value(); }));
+    // A busy computer takes its time to start an interpreter.
+    EXPECT_TRUE(spinUntil([this] { return isOnTheBus(); }, std::chrono::minutes(1)));
 }
 
 MockedService::~MockedService()
 {
     m_process.kill();
     m_process.waitForFinished();
+    // The bus learns of the end a little later. Until then the next service would seem to be there already.
+    EXPECT_TRUE(spinUntil([this] { return !isOnTheBus(); }, std::chrono::minutes(1)));
+}
+
+bool MockedService::isOnTheBus() const
+{
+    return QDBusConnection::systemBus().interface()->isServiceRegistered(m_busName).value();
 }
 
 QVariant MockedService::call(const QString& path, const QString& interface, const QString& method,
@@ -66,5 +74,7 @@ int MockedService::callsOf(const QString& path, const QString& method) const
 }
 
 void MockedService::freeze() { kill(static_cast<pid_t>(m_process.processId()), SIGSTOP); }
+
+void MockedService::thaw() { kill(static_cast<pid_t>(m_process.processId()), SIGCONT); }
 
 } // namespace vorrano::support

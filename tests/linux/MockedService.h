@@ -25,10 +25,13 @@ public:
     // How often a method of the object was called.
     [[nodiscard]] int callsOf(const QString& path, const QString& method) const;
 
-    // No call is answered from here on.
+    // No call is answered from here on, until thaw(); that one on any thread.
     void freeze();
+    void thaw();
 
 private:
+    [[nodiscard]] bool isOnTheBus() const;
+
     QString m_busName;
     QProcess m_process;
 };

@@ -36,7 +36,6 @@ public:
             m_threads.emplace_back(std::move(task));
         }
     }
-    std::shared_ptr<platform::Timer> makeTimer(platform::TimerSchedule, platform::Task) override { return nullptr; }
     std::shared_ptr<platform::SerialQueue> makeSerialQueue(std::string) override { return nullptr; }
 
     // No task begins.

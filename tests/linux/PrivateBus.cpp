@@ -49,6 +49,8 @@ PrivateBus::~PrivateBus()
 
 bool PrivateBus::wasAskedToStart(const QString& service) const { return QFile::exists(markerOf(service)); }
 
+void PrivateBus::forgetThatItWasAskedToStart(const QString& service) const { QFile::remove(markerOf(service)); }
+
 QString PrivateBus::markerOf(const QString& service) const { return m_folder.filePath(service + ".started"); }
 
 void PrivateBus::writeConfiguration() const

@@ -22,6 +22,7 @@ public:
     ~PrivateBus();
 
     [[nodiscard]] bool wasAskedToStart(const QString& service) const;
+    void forgetThatItWasAskedToStart(const QString& service) const;
 
 private:
     PrivateBus();

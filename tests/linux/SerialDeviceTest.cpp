@@ -5,6 +5,8 @@
 
 namespace vorrano {
 
+using linux_platform::isOlder;
+using linux_platform::isSameDevice;
 using linux_platform::propertyOf;
 using linux_platform::SerialDevice;
 using linux_platform::serialDeviceOf;
@@ -150,6 +152,48 @@ INSTANTIATE_TEST_SUITE_P(
                                                                                  f.initialized = false;
                                                                              })}),
     [](const auto& tested) { return tested.param.name; });
+
+SerialDevice deviceSeenAt(std::uint64_t time)
+{
+    auto facts = usbAdapter();
+    facts.initializedAt = time;
+    return serialDeviceOf(facts).value();
+}
+
+TEST(SerialDevice, IsAnotherOneAfterItWentAndCameBack)
+{
+    EXPECT_TRUE(isSameDevice(deviceSeenAt(1000), deviceSeenAt(1000)));
+    EXPECT_FALSE(isSameDevice(deviceSeenAt(1000), deviceSeenAt(2000)));
+    EXPECT_FALSE(isSameDevice(deviceSeenAt(2000), deviceSeenAt(1000)));
+}
+
+TEST(SerialDevice, IsTheSameOneWhereATimeIsNotKnown)
+{
+    EXPECT_TRUE(isSameDevice(deviceSeenAt(0), deviceSeenAt(1000)));
+    EXPECT_TRUE(isSameDevice(deviceSeenAt(1000), deviceSeenAt(0)));
+}
+
+TEST(SerialDevice, IsAnotherOneWhereOneFactDiffers)
+{
+    const auto device = deviceSeenAt(1000);
+    for (const auto change : {&SerialDevice::sysPath, &SerialDevice::node, &SerialDevice::name}) {
+        auto other = device;
+        other.*change += "1";
+        EXPECT_FALSE(isSameDevice(device, other));
+    }
+    auto renamed = device;
+    renamed.calloutPaths.pop_back();
+    EXPECT_FALSE(isSameDevice(device, renamed));
+}
+
+TEST(SerialDevice, IsOlderThanOneThatUdevSawLater)
+{
+    EXPECT_TRUE(isOlder(deviceSeenAt(1000), deviceSeenAt(2000)));
+    EXPECT_FALSE(isOlder(deviceSeenAt(1000), deviceSeenAt(1000)));
+    EXPECT_FALSE(isOlder(deviceSeenAt(2000), deviceSeenAt(1000)));
+    EXPECT_FALSE(isOlder(deviceSeenAt(0), deviceSeenAt(1000)));
+    EXPECT_FALSE(isOlder(deviceSeenAt(1000), deviceSeenAt(0)));
+}
 
 TEST(SerialDevice, HasAFurtherPathForEachWayInWhichItsPathMayBeTaken)
 {

@@ -5,11 +5,13 @@
 #include <QAbstractButton>
 #include <QCheckBox>
 #include <QImage>
+#include <QLabel>
 #include <QLineEdit>
 #include <QtTest/QTest>
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace vorrano::qt {
@@ -17,6 +19,18 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+
+// The grey value of the image's darkest pixel.
+int darkest(const QImage& image)
+{
+    int value = 255;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            value = std::min(value, qGray(image.pixel(x, y)));
+        }
+    }
+    return value;
+}
 
 class Controls : public support::QtProgram {
 protected:
@@ -120,15 +134,42 @@ TEST_F(Controls, ReturnPressesTheButtonWithTheFocusRatherThanTheDefaultOne)
 
 TEST_F(Controls, HiddenAndEnabledAreTheControlsOwn)
 {
-    auto& label = view.label("noVorranoConnectedLabel");
+    auto& label = view.label("connectionNoticeLabel");
     EXPECT_FALSE(label.isHidden());
 
     label.setHidden(true);
     EXPECT_TRUE(label.isHidden());
-    EXPECT_FALSE(widget<QWidget>(view, "noVorranoConnectedLabel").isVisible());
+    EXPECT_FALSE(widget<QWidget>(view, "connectionNoticeLabel").isVisible());
 
     frame(*window).setEnabled(false);
     EXPECT_TRUE(button.isEnabled());
+}
+
+TEST_F(Controls, LabelShowsAnotherTextAsItIs)
+{
+    view.label("connectionNoticeLabel").setText("<b>No</b> Vorrano & no cable");
+
+    const auto& shown = widget<QLabel>(view, "connectionNoticeLabel");
+    EXPECT_EQ(shown.text(), "<b>No</b> Vorrano & no cable");
+    EXPECT_EQ(shown.textFormat(), Qt::PlainText);
+}
+
+TEST_F(Controls, ConnectionNoticeStaysLegibleOnADimmedScreen)
+{
+    for (const auto* const layout :
+         {"RegisterVorranoViewController", "WifiSetupViewController", "UtilitiesViewController"}) {
+        const auto screen = layouts.loadView(layout);
+        screen->label("connectionNoticeLabel").setText("No Vorrano");
+        auto& root = dynamic_cast<QtView&>(*screen).root();
+        root.resize(root.sizeHint());
+        root.show();
+        const QRect place = widget<QLabel>(*screen, "connectionNoticeLabel").geometry();
+        const int before = darkest(root.grab(place).toImage());
+
+        screen->setAlpha(0.3);
+
+        EXPECT_EQ(darkest(root.grab(place).toImage()), before) << layout;
+    }
 }
 
 TEST_F(Controls, SpinnerIsHiddenAtFirstAndTurnsInTheMiddleOfItsScreen)
@@ -177,25 +218,16 @@ TEST_F(Controls, SpinnerIsAboveTheDimmedScreenAndFollowsItsSize)
 TEST_F(Controls, AlphaFadesTheScreenTowardsTheWindowsColourAndBack)
 {
     auto& root = dynamic_cast<QtView&>(view).root();
-    const auto darkest = [&] {
-        const QImage image = root.grab().toImage();
-        int value = 255;
-        for (int y = 0; y < image.height(); ++y) {
-            for (int x = 0; x < image.width(); ++x) {
-                value = std::min(value, qGray(image.pixel(x, y)));
-            }
-        }
-        return value;
-    };
-    const int before = darkest();
+    view.label("connectionNoticeLabel").setHidden(true);
+    const int before = darkest(root.grab().toImage());
     EXPECT_EQ(view.alpha(), 1.0);
 
     view.setAlpha(0.3);
     EXPECT_EQ(view.alpha(), 0.3);
-    EXPECT_GT(darkest(), before + 100);
+    EXPECT_GT(darkest(root.grab().toImage()), before + 100);
 
     view.setAlpha(1.0);
-    EXPECT_EQ(darkest(), before);
+    EXPECT_EQ(darkest(root.grab().toImage()), before);
 }
 
 TEST_F(Controls, DimmedScreenTakesInputLikeAnyOther)

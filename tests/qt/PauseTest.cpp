@@ -5,7 +5,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <chrono>
 
 namespace vorrano::qt {
@@ -16,11 +15,25 @@ using Clock = std::chrono::steady_clock;
 
 class Pause : public support::QtProgram {
 protected:
-    // Runs `act` in the midst of a pause.
-    void whilePausing(std::function<void()> act)
+    // Pauses until the condition holds; nothing but the pauses handles any event.
+    bool pausesUntil(const std::function<bool()>& condition)
     {
-        QTimer::singleShot(5, &timerOfTheTest, std::move(act));
-        pause.pause(60ms);
+        const auto end = Clock::now() + 10s;
+        while (!condition() && Clock::now() < end) {
+            pause.pause(60ms);
+        }
+        return condition();
+    }
+
+    // Runs `act` in the midst of a pause.
+    void whilePausing(const std::function<void()>& act)
+    {
+        bool acted = false;
+        QTimer::singleShot(5, &timerOfTheTest, [&] {
+            act();
+            acted = true;
+        });
+        EXPECT_TRUE(pausesUntil([&] { return acted; }));
     }
 
     QObject timerOfTheTest;
@@ -28,27 +41,27 @@ protected:
     platform::View& view = *window->view();
 };
 
-TEST_F(Pause, IsNeverShorterThanAskedAndHardlyLonger)
+TEST_F(Pause, IsNeverShorterThanAsked)
 {
-    std::vector<std::chrono::nanoseconds> overshoots;
-    for (int times = 0; times < 31; ++times) {
+    for (int times = 0; times < 10; ++times) {
         const auto begin = Clock::now();
-        pause.pause(20ms);
-        overshoots.push_back(Clock::now() - begin - 20ms);
-    }
 
-    std::sort(overshoots.begin(), overshoots.end());
-    EXPECT_GE(overshoots.front(), 0ns);
-    EXPECT_LE(overshoots[overshoots.size() / 2], 500us);
+        pause.pause(20ms);
+
+        EXPECT_GE(Clock::now() - begin, 20ms);
+    }
 }
 
-TEST_F(Pause, OfNoLengthReturnsAtOnce)
+TEST_F(Pause, ThatIsTooShortForItHandlesNoEvent)
 {
-    const auto begin = Clock::now();
+    bool handled = false;
+    QTimer::singleShot(0, &timerOfTheTest, [&] { handled = true; });
 
     pause.pause(0ns);
+    pause.pause(1ms);
 
-    EXPECT_LT(Clock::now() - begin, 5ms);
+    EXPECT_FALSE(handled);
+    EXPECT_TRUE(pausesUntil([&] { return handled; }));
 }
 
 TEST_F(Pause, RunsNoQueuedWorkAndNoTimerOfTheLogic)
@@ -80,9 +93,9 @@ TEST_F(Pause, GoesOnPaintingTheWindow)
     EXPECT_TRUE(spinUntil([&] { return painted.times > 0; }));
     const int before = painted.times;
 
-    whilePausing([&] { painted.update(); });
+    painted.update();
 
-    EXPECT_GT(painted.times, before);
+    EXPECT_TRUE(pausesUntil([&] { return painted.times > before; }));
 }
 
 TEST_F(Pause, LetsTheSpinnerTurn)
@@ -93,9 +106,7 @@ TEST_F(Pause, LetsTheSpinnerTurn)
     auto& turning = widget<QWidget>(view, "loginProgressIndicator");
     const auto before = turning.grab().toImage();
 
-    pause.pause(150ms);
-
-    EXPECT_NE(turning.grab().toImage(), before);
+    EXPECT_TRUE(pausesUntil([&] { return turning.grab().toImage() != before; }));
 }
 
 TEST_F(Pause, DropsWhatComesOverTheBus)
@@ -106,17 +117,14 @@ TEST_F(Pause, DropsWhatComesOverTheBus)
     view.textField("SSID").onChange(count);
     view.popUpButton("securityTypeButton").addItems({"Open", "WPA2"});
     view.popUpButton("securityTypeButton").onChoose(count);
-    bool tried = false;
 
     whilePausing([&] {
         pressOverTheBus(widget<QWidget>(view, "saveSSIDButton"));
         writeOverTheBus(widget<QWidget>(view, "SSID"), QStringLiteral("Net"));
         widget<QComboBox>(view, "securityTypeButton").setCurrentIndex(1);
-        tried = true;
     });
     runQueue();
 
-    EXPECT_TRUE(tried);
     EXPECT_EQ(heard, 0);
     EXPECT_EQ(view.textField("SSID").text(), "");
     EXPECT_EQ(view.popUpButton("securityTypeButton").titleOfSelectedItem(), "Open");

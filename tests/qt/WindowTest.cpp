@@ -1,6 +1,8 @@
 #include "QtProgram.h"
 
 #include <QAccessible>
+#include <QPushButton>
+#include <QWindow>
 #include <QtTest/QTest>
 
 #include <gmock/gmock.h>
@@ -20,6 +22,16 @@ protected:
     void beginSheet(platform::Window& parent, const std::shared_ptr<platform::Window>& sheet)
     {
         parent.beginSheet(sheet, [this](int code) { codes.push_back(code); });
+    }
+
+    // What the window system is told of it, whatever the platform.
+    static void expectDialogOver(const QWidget& dialog, const QWidget& window)
+    {
+        const QWindow& native = *dialog.windowHandle();
+        EXPECT_EQ(native.type(), Qt::Dialog);
+        EXPECT_EQ(native.flags() & (Qt::WindowMinMaxButtonsHint | Qt::WindowFullscreenButtonHint), Qt::WindowFlags());
+        EXPECT_NE(native.modality(), Qt::NonModal);
+        EXPECT_EQ(native.transientParent(), window.windowHandle());
     }
 
     std::vector<int> codes;
@@ -52,6 +64,28 @@ TEST_F(Windows, AreFramesOnTheBusAndSheetsDialogs)
     EXPECT_EQ(role(*sheet), QAccessible::Dialog);
     EXPECT_EQ(QAccessible::queryAccessibleInterface(&dynamic_cast<QtView&>(*sheet->view()).root())->role(),
               QAccessible::Client);
+}
+
+TEST_F(Windows, SheetIsADialogOverItsParentWithoutMinimiseAndMaximise)
+{
+    const auto parent = shown("LoginViewController");
+    const auto sheet = loaded("EULAWindowViewController");
+    beginSheet(*parent, sheet);
+
+    expectDialogOver(frame(*sheet), frame(*parent));
+}
+
+TEST_F(Windows, AlertIsADialogOverItsWindowWithoutMinimiseAndMaximise)
+{
+    const auto window = shown("LoginViewController");
+    for (const std::vector<std::string>& buttons : {std::vector<std::string>{"OK"}, {"Yes", "No"}}) {
+        whileUp([&](QDialog& box) {
+            expectDialogOver(box, frame(*window));
+            box.findChild<QPushButton*>()->click();
+        });
+
+        alerts.runModal({"Note", buttons, "text"});
+    }
 }
 
 TEST_F(Windows, KeyWindowIsNoneAtFirst)

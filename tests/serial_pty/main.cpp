@@ -1,4 +1,4 @@
-#include "platform/linux/LinuxTerminal.h"
+#include "platform/posix/PosixTerminal.h"
 #include "serial_pty/rig/PtyDevices.h"
 
 #include <string_view>
@@ -14,8 +14,13 @@ int tryToOpen(const char* node)
 {
     vorrano::pty_rig::PtyDevices devices;
     devices.set("device", node);
-    vorrano::linux_platform::LinuxTerminal terminal(devices);
-    return terminal.open("device").error;
+    vorrano::posix_platform::PosixTerminal terminal(devices);
+    const auto line = terminal.open("device");
+    if (!line.failed()) {
+        // TIOCEXCL would outlive this process: the terminal keeps it for as long as anybody has the pty open.
+        terminal.close(line.value);
+    }
+    return line.error;
 }
 
 } // namespace

@@ -77,10 +77,7 @@ void PtyVorrano::skipToNextEvent()
     m_device.advance(m_clock);
 }
 
-void PtyVorrano::wakeUp() const
-{
-    eventfd_write(m_wake, 1);
-}
+void PtyVorrano::wakeUp() const { eventfd_write(m_wake, 1); }
 
 void PtyVorrano::serve()
 {

@@ -15,8 +15,8 @@ class Pty;
 
 namespace vorrano::soak {
 
-// A simulated Vorrano behind a pseudo-terminal, on a thread of its own. Its clock does not wait: once it has been told to
-// stay in its bootloader its restart is over, and an image ends when it is taken.
+// A simulated Vorrano behind a pseudo-terminal, on a thread of its own. Its clock does not wait: once it has been told
+// to stay in its bootloader its restart is over, and an image ends when it is taken.
 //
 // Threads: everything on the main thread, but what the thread of its own does. Lifetime: unplugged before it ends.
 class PtyVorrano {

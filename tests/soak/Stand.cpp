@@ -1,9 +1,9 @@
 #include "soak/Stand.h"
 
-#include "app/session/GlobalVariables.h"
 #include "cloud/LoginViewController.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
+#include "session/GlobalVariables.h"
 
 #include <QAbstractButton>
 #include <QLabel>
@@ -74,9 +74,11 @@ Stand::Stand(int& argc, char** argv, std::filesystem::path image)
         return std::make_unique<linux_platform::UdevDeviceRegistry>(m_mainQueue, std::move(source));
     }())
     , m_terminal(*m_registry)
-    , m_platform(platform::Ports{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue, m_notificationCentre,
-                                 m_terminal, *m_registry, m_wifi, m_reachability, m_urlFetch, m_powerEvents, m_pause,
-                                 m_log, m_operatingSystem, "https://service.example"})
+    , m_portAccess(*m_registry)
+    , m_platform(platform::Interfaces{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue,
+                                      m_notificationCentre, m_terminal, *m_registry, m_wifi, m_reachability, m_urlFetch,
+                                      m_powerEvents, m_stayAwake, m_portAccess, m_pause, m_log, m_operatingSystem,
+                                      "https://service.example"})
 {
     m_urlFetch.addAccount();
     // A condition may come true without an event.
@@ -160,6 +162,9 @@ void Stand::chooseTab(int index)
     runUntil("the tab", [&] { return hasRun; });
 }
 
-bool Stand::isVorranoListed() { return !serial::SerialPortManager::sharedSerialPortManager()->availablePorts().empty(); }
+bool Stand::isVorranoListed()
+{
+    return !serial::SerialPortManager::sharedSerialPortManager()->availablePorts().empty();
+}
 
 } // namespace vorrano::soak

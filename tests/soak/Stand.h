@@ -5,11 +5,17 @@
 #include "platform/NetworkReachability.h"
 #include "platform/NotificationCentre.h"
 #include "platform/OpenPanel.h"
+#include "platform/Pause.h"
 #include "platform/Platform.h"
+#include "platform/PowerEvents.h"
+#include "platform/StayAwake.h"
+#include "platform/SystemLog.h"
 #include "platform/UrlFetch.h"
+#include "platform/WifiInterface.h"
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/UdevDeviceRegistry.h"
+#include "platform/posix/PosixPortAccess.h"
+#include "platform/posix/PosixTerminal.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtGate.h"
 #include "platform/qt/QtLayouts.h"
@@ -81,6 +87,12 @@ public:
     platform::Subscription onDidWake(std::function<void()>) override { return {}; }
 };
 
+// Never wants to sleep.
+class NotSleepy : public platform::StayAwake {
+public:
+    platform::Subscription stayAwake(std::string_view) override { return {}; }
+};
+
 class TwoNetworks : public platform::WifiInterface {
 public:
     [[nodiscard]] std::optional<std::vector<std::string>> scanForNetworks() override
@@ -107,9 +119,9 @@ private:
     simulator::SimulatedService m_service;
 };
 
-// What the demo is made of, in one process: the program's own windows (on Qt's offscreen platform), main queue, threads,
-// device registry, terminal and logic; the simulated Vorrano behind a pseudo-terminal. In place of a person alerts and
-// panel answer themselves, pauses take no time, and the web service is an object.
+// What the demo is made of, in one process: the program's own windows (on Qt's offscreen platform), main queue,
+// threads, device registry, terminal and logic; the simulated Vorrano behind a pseudo-terminal. In place of a person
+// alerts and panel answer themselves, pauses take no time, and the web service is an object.
 //
 // Threads: the main thread.
 class Stand {
@@ -150,10 +162,12 @@ private:
     ChosenFile m_openPanel;
     NoPause m_pause;
     NoPower m_powerEvents;
+    NotSleepy m_stayAwake;
     PtyVorrano m_vorrano;
     PtySource* m_source = nullptr;
     std::unique_ptr<linux_platform::UdevDeviceRegistry> m_registry;
-    linux_platform::LinuxTerminal m_terminal;
+    posix_platform::PosixTerminal m_terminal;
+    posix_platform::PosixPortAccess m_portAccess;
     TwoNetworks m_wifi;
     AlwaysReachable m_reachability;
     asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log, std::this_thread::get_id()};

@@ -44,10 +44,14 @@ struct Query {
     const char* answer;
 };
 constexpr std::array kQueries{
-    Query{"buttonPowerStatus", "USB power\n\r"}, Query{"buttonMacAddress", "00:1E:5C:0A:1B:2C\n\r"},
-    Query{"buttonFirmwareVersion", nullptr},     Query{"wifiFirmwareQuery", "Wifi 2.36.1\n\r"},
-    Query{"buttonGetSSID", "Not set\n\n\r"},     Query{"buttonGetNetworkPassword", "none\n\n\r"},
-    Query{"buttonGetThrottle", "60"},            Query{"buttonGetTemperatureUnit", "Fahrenheit"},
+    Query{"buttonPowerStatus", "USB power\n\r"},
+    Query{"buttonMacAddress", "00:1E:5C:0A:1B:2C\n\r"},
+    Query{"buttonFirmwareVersion", nullptr},
+    Query{"wifiFirmwareQuery", "Wifi 2.36.1\n\r"},
+    Query{"buttonGetSSID", "Not set\n\n\r"},
+    Query{"buttonGetNetworkPassword", "none\n\n\r"},
+    Query{"buttonGetThrottle", "60"},
+    Query{"buttonGetTemperatureUnit", "Fahrenheit"},
 };
 
 // What the process has at a quiet moment.
@@ -200,9 +204,9 @@ int run(int argc, char** argv, std::size_t rounds)
     for (const auto& breach : breaches) {
         std::cout << breach << "\n";
     }
-    std::cout << (breaches.empty() ? "all flat" : "not flat") << " after " << rounds * kPlugsOfARound << " plug cycles, "
-              << rounds * kQueriesOfARound << " questions, " << rounds << " uploads and " << rounds * kTabsOfARound
-              << " choices of a tab" << std::endl;
+    std::cout << (breaches.empty() ? "all flat" : "not flat") << " after " << rounds * kPlugsOfARound
+              << " plug cycles, " << rounds * kQueriesOfARound << " questions, " << rounds << " uploads and "
+              << rounds * kTabsOfARound << " choices of a tab" << std::endl;
     return breaches.empty() ? 0 : 1;
 }
 

@@ -1,13 +1,23 @@
 #include "stress/Ledger.h"
 
-#include <algorithm>
+#include <charconv>
 #include <utility>
 
 namespace vorrano::stress {
 
 namespace {
 
-constexpr std::size_t kRemembered = 65'536;
+// More than may wait at a time: limits that differ by this tell their requests apart.
+constexpr Number kDifferentLimits = 1000;
+
+std::optional<Number> numberOf(const std::string& id)
+{
+    const auto dot = id.find('.');
+    Number number = 0;
+    const auto* const begin = id.data() + (dot == std::string::npos ? id.size() : dot + 1);
+    const auto [end, error] = std::from_chars(begin, id.data() + id.size(), number);
+    return error == std::errc() && end == id.data() + id.size() ? std::optional(number) : std::nullopt;
+}
 
 } // namespace
 
@@ -19,184 +29,227 @@ Tally& Tally::operator+=(const Tally& other)
     timedOut += other.timedOut;
     both += other.both;
     cleared += other.cleared;
+    clearedNothing += other.clearedNothing;
     timeoutsOfNone += other.timeoutsOfNone;
     chunks += other.chunks;
     return *this;
 }
 
-std::string Ledger::begin(std::size_t sender, bool wantsReply)
+Ledger::Ledger(std::string name, Breaches& breaches)
+    : m_name(std::move(name))
+    , m_breaches(breaches)
+    , m_hearing(m_requests, [this](auto request, const auto& what) { lockedComplain(request, what); })
+    , m_queue(m_requests, m_hearing, [this](auto request, const auto& what) { lockedComplain(request, what); })
+{}
+
+void Ledger::lockedComplain(std::optional<Number> request, const std::string& what)
+{
+    const auto whose =
+        request ? "request " + std::to_string(m_requests[*request].sender) + "." + std::to_string(*request) + " " : "";
+    complain(whose + what);
+}
+
+void Ledger::complain(const std::string& what) { m_breaches.add(m_name + ": " + what); }
+
+Ledger::Begun Ledger::begin(std::size_t sender, RequestKind kind, std::chrono::milliseconds limit)
 {
     const std::lock_guard lock(m_mutex);
+    ++m_events;
+    const auto number = m_requests.size();
     Request request;
     request.sender = sender;
-    request.number = ++m_lastNumber[sender];
-    request.wantsReply = wantsReply;
-    const auto id = std::to_string(sender) + "." + std::to_string(request.number);
-    m_requests.emplace(id, request);
-    ++m_tally.sent;
-    return id;
+    request.kind = kind;
+    request.limit = limit + std::chrono::microseconds(number % kDifferentLimits);
+    m_requests.push_back(request);
+    return {number, std::to_string(sender) + "." + std::to_string(number), request.limit};
 }
 
-void Ledger::sent(const std::string& /*id*/, bool accepted)
+// What sendRequest() says: no only where the request was started inside and could not be written.
+void Ledger::returned(Number number, bool accepted)
 {
     const std::lock_guard lock(m_mutex);
-    m_tally.refused += accepted ? 0 : 1;
-}
-
-Ledger::Request& Ledger::find(const std::string& id)
-{
-    const auto known = m_requests.find(id);
-    if (known == m_requests.end()) {
-        breach("is unknown", id);
+    m_refused += accepted ? 0 : 1;
+    const auto& request = m_requests[number];
+    if (!request.isHandedOver) {
+        lockedComplain(number, "is lost: it was sent, but never came to the queue");
+    } else if (accepted == (request.isStartedBySend && !request.isWrittenBySend)) {
+        lockedComplain(number, accepted ? "was accepted, but not written" : "was refused, but queued or written");
     }
-    return known == m_requests.end() ? m_requests[id] : known->second;
 }
 
-void Ledger::breach(const std::string& what, const std::string& id)
-{
-    m_breaches.push_back(m_name + ": request " + id + " " + what);
-}
-
-void Ledger::evaluated(const std::string& id, const std::string& bytes, bool answer)
+void Ledger::stepBegins(const QueueStep& step)
 {
     const std::lock_guard lock(m_mutex);
-    auto& request = find(id);
-    if (m_pending != id) {
-        moveTo(id, request);
-    }
-    if (request.accepted) {
-        breach("is asked again after it accepted", id);
-    }
-    request.evaluated = true;
-    request.accepted = answer;
-    request.answerDue = answer && !bytes.empty();
+    ++m_events;
+    m_queue.begin(step);
 }
 
-// Another request is pending than the last time: that one's turn does not come again.
-void Ledger::moveTo(const std::string& id, Request& request)
-{
-    if (request.evaluated) {
-        breach("is pending a second time", id);
-    }
-    if (request.number <= m_lastPending[request.sender]) {
-        breach("is pending after a later one of its sender", id);
-    }
-    m_lastPending[request.sender] = request.number;
-    m_pending = id;
-}
-
-void Ledger::arrived(const std::string& id)
+void Ledger::stepEnds()
 {
     const std::lock_guard lock(m_mutex);
-    auto& request = find(id);
-    if (++request.arrivals > 1) {
-        breach("was written twice", id);
+    m_queue.end();
+}
+
+Number Ledger::starts(std::chrono::nanoseconds limit)
+{
+    const std::lock_guard lock(m_mutex);
+    return m_queue.starts(limit);
+}
+
+void Ledger::stopsTimer(Number request)
+{
+    const std::lock_guard lock(m_mutex);
+    m_queue.stopsTimer(request);
+}
+
+void Ledger::writes(bool all)
+{
+    const std::lock_guard lock(m_mutex);
+    m_queue.writes(all);
+}
+
+void Ledger::asks(Number request, const std::string& bytes, bool answer)
+{
+    const std::lock_guard lock(m_mutex);
+    m_queue.asks(request, bytes, answer);
+}
+
+void Ledger::arrives(const std::string& id)
+{
+    const std::lock_guard lock(m_mutex);
+    const auto number = numberOf(id);
+    if (!number || *number >= m_requests.size() || !m_requests[*number].isStarted) {
+        complain("the device got a request that was not started: " + id);
+        return;
     }
-    if (request.number <= m_lastArrived[request.sender]) {
-        breach("was written after a later one of its sender", id);
+    auto& request = m_requests[*number];
+    const auto last = m_lastArrived.find(request.sender);
+    if (last != m_lastArrived.end() && *number <= last->second) {
+        lockedComplain(number, "was written again, or after a later one of its sender");
     }
-    m_lastArrived[request.sender] = request.number;
+    request.hasArrived = true;
+    m_lastArrived[request.sender] = *number;
+}
+
+void Ledger::reads()
+{
+    const std::lock_guard lock(m_mutex);
+    ++m_events;
+    ++m_read;
 }
 
 void Ledger::data(const std::string& chunk)
 {
     const std::lock_guard lock(m_mutex);
-    ++m_tally.chunks;
-    m_heard += chunk;
-    if (m_heard.size() > 2 * kRemembered) {
-        m_heard.erase(0, m_heard.size() - kRemembered);
-    }
-    if (m_quiet) {
-        m_breaches.push_back(m_name + ": data long after the close");
-    }
-    if (chunk.empty() || chunk.size() > 1024) {
-        m_breaches.push_back(m_name + ": a chunk of " + std::to_string(chunk.size()) + " bytes");
-    }
+    ++m_events;
+    m_hearing.data(chunk);
 }
 
-void Ledger::response(const std::string& id, const std::string& bytes)
+void Ledger::response(Number request, const std::string& bytes)
 {
     const std::lock_guard lock(m_mutex);
-    auto& request = find(id);
-    ++m_tally.answered;
-    if (++request.responses > 1) {
-        breach("is answered twice", id);
-    }
-    if (!request.answerDue) {
-        breach("is answered, but accepted nothing", id);
-    }
-    if (m_heard.find(bytes) == std::string::npos) {
-        breach("has a response that was not heard as data before", id);
-    }
-    // One that wants no reply, but could not be written, takes whatever comes.
-    if (request.wantsReply && bytes.find("A" + id + "!") == std::string::npos) {
-        breach("has somebody else's response", id);
-    }
+    ++m_events;
+    m_hearing.response(request, bytes);
 }
 
-void Ledger::timeout(const std::string& id)
+void Ledger::timeout(std::optional<Number> request)
 {
     const std::lock_guard lock(m_mutex);
-    auto& request = find(id);
-    ++m_tally.timedOut;
-    if (++request.timeouts > 1) {
-        breach("times out twice", id);
-    }
-    if (request.responses > 0) {
-        breach("times out after its response", id);
-    }
+    ++m_events;
+    m_hearing.timeout(request);
 }
 
-void Ledger::timeoutOfNone()
+void Ledger::setHasDescriptor(bool has)
 {
     const std::lock_guard lock(m_mutex);
-    ++m_tally.timeoutsOfNone;
-}
-
-void Ledger::setQuiet(bool quiet)
-{
-    const std::lock_guard lock(m_mutex);
-    m_quiet = quiet;
-}
-
-bool Ledger::isFinished(const Request& request)
-{
-    return request.accepted || request.timeouts > 0 || (!request.wantsReply && request.arrivals > 0);
+    m_hearing.setHasDescriptor(has);
 }
 
 std::size_t Ledger::unfinished() const
 {
     const std::lock_guard lock(m_mutex);
-    const auto isOpen = [](const auto& entry) { return !isFinished(entry.second); };
-    return static_cast<std::size_t>(std::count_if(m_requests.begin(), m_requests.end(), isOpen));
+    return m_requests.size() - m_queue.counts().accepted - m_queue.counts().cleared;
 }
 
-Tally Ledger::close()
+bool Ledger::isSettled() const
 {
     const std::lock_guard lock(m_mutex);
-    std::uint64_t unfinished = 0;
-    for (const auto& [id, request] : m_requests) {
-        if (request.answerDue && request.responses != 1) {
-            breach("accepted, but was answered " + std::to_string(request.responses) + " times", id);
-        }
-        m_tally.both += request.responses > 0 && request.timeouts > 0 ? 1 : 0;
-        unfinished += isFinished(request) ? 0 : 1;
-    }
-    // Whoever was cleared away was so by the deferred step of a time-out whose request had been answered meanwhile, or
-    // of one that came without a request: by the timer of somebody who was cleared away before.
-    m_tally.cleared = unfinished;
-    if (unfinished > m_tally.both + m_tally.timeoutsOfNone || m_tally.timeoutsOfNone > unfinished) {
-        m_breaches.push_back(m_name + ": " + std::to_string(unfinished) + " requests without an end, " +
-                             std::to_string(m_tally.both) + " late replies, " + std::to_string(m_tally.timeoutsOfNone) +
-                             " time-outs without a request");
-    }
-    return m_tally;
+    const auto& queue = m_queue.counts();
+    return m_requests.size() == queue.handedOver && m_queue.isAtRest() && m_hearing.isNothingDue() &&
+           m_hearing.timeouts() == queue.followUps && m_read == queue.chunks && m_read == m_hearing.chunks();
 }
 
-std::vector<std::string> Ledger::breaches() const
+std::uint64_t Ledger::events() const
 {
     const std::lock_guard lock(m_mutex);
-    return m_breaches;
+    return m_events;
+}
+
+std::string Ledger::state() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_queue.state();
+}
+
+void Ledger::drawBalance()
+{
+    const std::lock_guard lock(m_mutex);
+    m_hearing.finish();
+    for (Number number = 0; number < m_requests.size(); ++number) {
+        judge(number);
+    }
+    const auto& queue = m_queue.counts();
+    balance("requests sent, and handed to the queue", m_requests.size(), queue.handedOver);
+    balance("requests handed to the queue, and started", queue.handedOver, queue.started);
+    balance("requests started, and ended", queue.started, queue.accepted + queue.cleared);
+    balance("time-outs that came, and that were told", queue.fired, m_hearing.timeouts());
+    balance("time-outs told, and steps that followed", m_hearing.timeouts(), queue.followUps);
+    balance("chunks read, and told", m_read, m_hearing.chunks());
+    balance("chunks read, and taken by the queue", m_read, queue.chunks);
+    if (!m_queue.isAtRest() || !m_hearing.isNothingDue()) {
+        complain("does not come to rest: " + m_queue.state());
+    }
+}
+
+Tally Ledger::tally() const
+{
+    const std::lock_guard lock(m_mutex);
+    Tally tally;
+    for (const auto& request : m_requests) {
+        tally.both += request.isAnswered && request.isTimedOut ? 1 : 0;
+        tally.cleared += request.isCleared && !request.isTimedOut ? 1 : 0;
+    }
+    tally.sent = m_requests.size();
+    tally.refused = m_refused;
+    tally.answered = m_hearing.answered();
+    tally.timedOut = m_hearing.timeouts();
+    tally.clearedNothing = m_queue.counts().clearedNothing;
+    tally.timeoutsOfNone = m_hearing.timeoutsOfNone();
+    tally.chunks = m_read;
+    return tally;
+}
+
+void Ledger::balance(const std::string& what, std::uint64_t left, std::uint64_t right)
+{
+    if (left != right) {
+        complain(what + ": " + std::to_string(left) + " and " + std::to_string(right));
+    }
+}
+
+void Ledger::judge(Number number)
+{
+    const auto& request = m_requests[number];
+    const auto isAsked = request.isAsked || (request.kind == RequestKind::Untested && request.isAccepted);
+    const auto isWrittenInVain = request.isStarted && !request.isWritten;
+    if (!isAsked && !isWrittenInVain && !request.isTimedOut) {
+        lockedComplain(number, "is lost: neither asked, nor written in vain, nor timed out");
+    }
+    if (request.kind != RequestKind::WantsReply && request.hasArrived && request.isTimedOut) {
+        lockedComplain(number, "wants no reply and arrived, but timed out");
+    }
+    if (request.hasArrived && !request.isWritten) {
+        lockedComplain(number, "arrived, but was taken as not written");
+    }
 }
 
 } // namespace vorrano::stress

@@ -1,7 +1,11 @@
 #include "stress/Run.h"
 
+#include "stress/Senders.h"
+
 #include <algorithm>
+#include <any>
 #include <iostream>
+#include <thread>
 #include <utility>
 
 #include <sys/ioctl.h>
@@ -13,13 +17,27 @@ using serial::SerialPortCallback;
 namespace {
 
 constexpr std::size_t kMostUnfinished = 8;
-// A reader's round is 100 ms; the rest is for a computer that is busy with 64 of them.
-constexpr Milliseconds kReaderHasLeft(400);
 constexpr std::chrono::seconds kPatience(60);
 
-constexpr Milliseconds kLongestLimit(100);
+constexpr std::uint32_t kKinds = 16; // of which one each wants no reply, or has no response test
 
-Milliseconds limitOf(std::uint32_t draw) { return Milliseconds(20 + draw % 80); }
+// Some response tests take their time, so that steps pile up on the queue.
+constexpr Number kSlowOneIn = 16;
+constexpr std::chrono::milliseconds kSlow(2);
+
+RequestKind kindOf(std::uint32_t draw)
+{
+    switch (draw % kKinds) {
+    case 0:
+        return RequestKind::Untested;
+    case 1:
+        return RequestKind::AcceptsAll;
+    default:
+        return RequestKind::WantsReply;
+    }
+}
+
+Milliseconds limitOf(std::uint32_t draw) { return Milliseconds(20 + draw / kKinds % 80); }
 
 } // namespace
 
@@ -42,19 +60,18 @@ public:
     void serialPortDidReceiveResponseToRequest(serial::SerialPort& /*port*/, const serial::Bytes& response,
                                                const std::shared_ptr<serial::SerialRequest>& request) override
     {
-        m_ledger.response(std::any_cast<std::string>(request->userInfo()), response);
+        m_ledger.response(numberOf(*request), response);
     }
     void serialPortRequestDidTimeout(serial::SerialPort& /*port*/,
                                      const std::shared_ptr<serial::SerialRequest>& request) override
     {
-        if (request) {
-            m_ledger.timeout(std::any_cast<std::string>(request->userInfo()));
-        } else {
-            m_ledger.timeoutOfNone();
-        }
+        m_ledger.timeout(request ? std::optional(numberOf(*request)) : std::nullopt);
+        announce({StepKind::FollowUp});
     }
 
 private:
+    static Number numberOf(const serial::SerialRequest& request) { return std::any_cast<Number>(request.userInfo()); }
+
     Ledger& m_ledger;
     const serial::SerialPortCallbacks m_callbacks;
 };
@@ -63,81 +80,89 @@ Run::Run(const Order& order)
     : m_order(order)
     , m_schedule(scheduleOf(order.seed, order.ports, order.duration))
     , m_lines(order.ports)
+    , m_world(order.breaks, order.seed)
 {
     for (std::size_t at = 0; at < m_lines.size(); ++at) {
-        m_lines[at].ledger = std::make_unique<Ledger>(Device::pathOf(at));
+        m_lines[at].ledger = std::make_unique<Ledger>(Device::pathOf(at), m_breaches);
+        m_world.watchedTerminal.watch(Device::pathOf(at), *m_lines[at].ledger);
     }
     m_world.terminal.linesOfALineWithout = [count = std::make_shared<std::atomic<unsigned>>(0)] {
         return ++*count % 512 < 256 ? TIOCM_CTS : TIOCM_DSR | TIOCM_CAR;
     };
     m_device = std::make_unique<Device>(
         m_world.devices, order.ports, order.seed,
-        [this](std::size_t port, const std::string& id) { m_lines[port].ledger->arrived(id); });
+        [this](std::size_t port, const std::string& id) { m_lines[port].ledger->arrives(id); });
     for (std::size_t at = 0; at < m_lines.size(); ++at) {
         auto& line = m_lines[at];
+        m_world.queues.watchNext(*line.ledger);
         line.port = serial::SerialPort::serialPortWithPath(Device::pathOf(at));
         line.listener = std::make_shared<Listener>(*line.ledger, at % 2 == 0);
         line.port->setDelegate(line.listener);
     }
 }
 
-Run::~Run() { stopSenders(); }
-
 std::vector<std::string> Run::go()
 {
     const auto print = fingerprint(m_schedule);
     std::cout << "seed " << m_order.seed << ", " << m_schedule.size() << " faults, schedule " << std::hex << print
               << std::dec << std::endl;
-    for (std::size_t sender = 1; sender <= m_order.senders; ++sender) {
-        m_senders.emplace_back([this, sender] { sendUntilTheEnd(sender); });
+    {
+        const Senders senders(m_order.senders, m_order.ports, m_order.seed,
+                              [this](auto sender, auto port, auto draw) { sendUnlessBusy(sender, port, draw); });
+        runSchedule();
     }
-    runSchedule();
-    stopSenders();
-    std::vector<std::string> breaches;
-    if (!letTheQueuesDrain()) {
-        breaches.emplace_back("the queues do not drain");
+    settle();
+    sendOnceMore();
+    settle();
+    closePorts();
+    settle();
+    drawBalance();
+    report(print);
+    if (const auto breaches = m_breaches.all(); !breaches.empty()) {
+        // What the ports leave undone now tells nothing more.
+        letPortsGo();
+        return breaches;
     }
-    const auto stuck = portsThatStandStill();
-    breaches.insert(breaches.end(), stuck.begin(), stuck.end());
-    for (auto& line : m_lines) {
-        if (!line.port->close()) {
-            breaches.push_back(line.port->path() + " does not close");
-        }
-    }
-    m_world.loop.drain();
-    Tally tally;
-    for (auto& line : m_lines) {
-        tally += line.ledger->close();
-        const auto own = line.ledger->breaches();
-        breaches.insert(breaches.end(), own.begin(), own.end());
-        const std::weak_ptr<serial::SerialPort> last = std::exchange(line.port, nullptr);
-        if (!m_world.loop.runUntil([&] { return last.expired(); })) {
-            breaches.push_back("a port is kept by somebody");
-        }
-    }
-    report(tally, print);
-    return breaches;
+    letPortsGo();
+    return m_breaches.all();
 }
 
-// Everything in the order of its time in the schedule, however late the main thread is.
+// Everything in the order of its time in the schedule, however late the main thread is; one at a time, so that what
+// waits in the main queue is not held up by all that is late.
 void Run::runSchedule()
 {
     auto next = m_schedule.begin();
     m_begin = Clock::now();
     m_world.loop.runUntil(
         [&] {
-            while (next != m_schedule.end() && isTime(next->at)) {
+            if (next != m_schedule.end() && isTime(next->at)) {
                 runDue(next->at);
                 begin(*next++);
+            } else {
+                runDue(m_order.duration);
             }
-            runDue(m_order.duration);
             keepOpen();
-            return isTime(m_order.duration);
+            return isTime(m_order.duration) || !goesOn();
         },
         m_order.duration + kPatience);
 }
 
 bool Run::isTime(Milliseconds at) const { return m_begin + at <= Clock::now(); }
+
+// Nothing is wrong so far, and no port stands still with something left to do.
+bool Run::goesOn()
+{
+    if (m_breaches.any()) {
+        return false;
+    }
+    m_rounds.goOn();
+    for (auto& line : m_lines) {
+        if (line.stillness.lastsAt(line.ledger->events(), m_rounds) && !line.ledger->isSettled()) {
+            line.ledger->complain("stands still: " + line.ledger->state());
+        }
+    }
+    return !m_breaches.any();
+}
 
 // What a hang-up or a failed open has left closed is opened again, as soon as it can be.
 void Run::keepOpen()
@@ -153,10 +178,8 @@ void Run::begin(const Step& step)
 {
     switch (step.fault) {
     case Fault::CloseAndReopen:
-        closeAndReopen(step);
-        break;
     case Fault::CloseForLong:
-        closeForLong(step);
+        closeFor(step);
         break;
     case Fault::HangUp:
         hangUp(step);
@@ -187,7 +210,7 @@ void Run::hangUp(const Step& step)
     later(step.at + step.lasts, [this, at = step.port] { m_device->plugAgain(at); });
 }
 
-void Run::closeAndReopen(const Step& step)
+void Run::closeFor(const Step& step)
 {
     auto& line = m_lines[step.port];
     line.port->close();
@@ -197,23 +220,6 @@ void Run::closeAndReopen(const Step& step)
     }
     line.shallBeOpen = false;
     later(step.at + step.lasts, [&line] { line.shallBeOpen = true; });
-}
-
-// Once the reader has left and what was queued is done, a closed port tells of no data.
-void Run::closeForLong(const Step& step)
-{
-    auto& line = m_lines[step.port];
-    line.shallBeOpen = false;
-    line.port->close();
-    later(step.at + kReaderHasLeft, [this, &line, closed = Clock::now()] {
-        if (Clock::now() - closed >= kReaderHasLeft) {
-            m_world.loop.async([&line] { line.ledger->setQuiet(true); });
-        }
-    });
-    later(step.at + step.lasts, [this, &line] {
-        m_world.loop.async([&line] { line.ledger->setQuiet(false); });
-        line.shallBeOpen = true;
-    });
 }
 
 void Run::applyOption(const Step& step)
@@ -231,103 +237,109 @@ void Run::applyOption(const Step& step)
     }
 }
 
+void Run::sendUnlessBusy(std::size_t sender, std::size_t at, std::uint32_t draw)
+{
+    if (m_lines[at].ledger->unfinished() < kMostUnfinished) {
+        send(sender, at, draw);
+    }
+}
+
 void Run::send(std::size_t sender, std::size_t at, std::uint32_t draw)
 {
     auto& line = m_lines[at];
     auto& ledger = *line.ledger;
-    const auto wantsReply = draw % 8 != 0;
-    const auto id = ledger.begin(sender, wantsReply);
-    const auto limit = limitOf(draw / 8);
-    const auto data = wantsReply ? "Q" + id + ":" + std::to_string(limit.count()) + ";" : "N" + id + ";";
+    const auto kind = kindOf(draw);
+    const auto limit = limitOf(draw);
+    const auto begun = ledger.begin(sender, kind, limit);
+    const auto data = kind == RequestKind::WantsReply ? "Q" + begun.id + ":" + std::to_string(limit.count()) + ";"
+                                                      : "N" + begun.id + ";";
     const auto request = serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
-        data, id, limit, [&ledger, id, wantsReply, end = "A" + id + "!"](const serial::Bytes& bytes) {
-            const auto answer = !wantsReply || bytes.find(end) != serial::Bytes::npos;
-            ledger.evaluated(id, bytes, answer);
-            return answer;
-        });
-    ledger.sent(id, line.port->sendRequest(request));
+        data, begun.number, begun.limit, testOf(ledger, begun, kind));
+    announce({StepKind::Send, begun.number});
+    ledger.returned(begun.number, line.port->sendRequest(request));
 }
 
-void Run::sendUntilTheEnd(std::size_t sender)
+serial::ResponseEvaluator Run::testOf(Ledger& ledger, const Ledger::Begun& begun, RequestKind kind)
 {
-    std::mt19937 dice(static_cast<std::uint32_t>(m_order.seed * 1000 + sender));
-    for (;;) {
-        const auto at = dice() % m_lines.size();
-        const auto draw = static_cast<std::uint32_t>(dice());
-        if (m_lines[at].ledger->unfinished() < kMostUnfinished) {
-            send(sender, at, draw);
+    if (kind == RequestKind::Untested) {
+        return {};
+    }
+    return [&, number = begun.number, kind, end = "A" + begun.id + "!"](const serial::Bytes& bytes) {
+        if (bytes.empty() && m_world.breaker.isTurn(Break::DropEvaluation)) {
+            return false;
         }
-        std::unique_lock lock(m_mutex);
-        if (m_stopChanged.wait_for(lock, std::chrono::microseconds(draw % 2000), [this] { return m_stop; })) {
-            return;
+        const auto answer = kind == RequestKind::AcceptsAll || bytes.find(end) != serial::Bytes::npos;
+        ledger.asks(number, bytes, answer);
+        if (number % kSlowOneIn == 0) {
+            std::this_thread::sleep_for(kSlow);
         }
-    }
+        return answer;
+    };
 }
 
-void Run::stopSenders()
+// Every request has its limit, so that everything comes to its end.
+void Run::settle()
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_stop = true;
-    }
-    m_stopChanged.notify_all();
-    // A sender may wait for its request queue, which may wait for nobody; the main loop is not needed for it.
-    for (auto& sender : m_senders) {
-        sender.join();
-    }
-    m_senders.clear();
-}
-
-// Every request has its limit, so that nothing is under way any more once two seconds have passed without an end. Those
-// that were cleared away never end; that each of them had its reason is checked at the close.
-bool Run::letTheQueuesDrain()
-{
-    // Of looks as well as of time: where the whole computer stood still, nobody had the time to end anything.
-    constexpr int kLooks = 1000;
-    std::size_t last = 0;
-    auto since = Clock::now();
-    int looks = 0;
-    return m_world.loop.runUntil([&] {
+    const auto isSettled = [](const Line& line) { return line.ledger->isSettled(); };
+    m_world.loop.runUntil([&] {
         runDue(Milliseconds::max());
-        std::size_t unfinished = 0;
-        for (const auto& line : m_lines) {
-            unfinished += line.ledger->unfinished();
-        }
-        if (std::exchange(last, unfinished) != unfinished) {
-            since = Clock::now();
-            looks = 0;
-        }
-        return m_due.empty() && ++looks > kLooks && Clock::now() - since > kLongestLimit * 20;
+        return !goesOn() || (m_due.empty() && std::all_of(m_lines.begin(), m_lines.end(), isSettled));
     });
 }
 
-// One more request for each port has to come to its end: behind one that is pending for ever it would not.
-std::vector<std::string> Run::portsThatStandStill()
+// A request that is still pending, though it should not be, holds up one more.
+void Run::sendOnceMore()
 {
-    std::vector<std::size_t> before;
-    for (std::size_t at = 0; at < m_lines.size(); ++at) {
-        before.push_back(m_lines[at].ledger->unfinished());
+    for (std::size_t at = 0; at < m_lines.size() && !m_breaches.any(); ++at) {
         send(0, at, 0);
     }
-    std::vector<std::string> stuck;
-    if (!letTheQueuesDrain()) {
-        stuck.emplace_back("the queues do not drain at the end");
-    }
-    for (std::size_t at = 0; at < m_lines.size(); ++at) {
-        if (m_lines[at].ledger->unfinished() > before[at]) {
-            stuck.push_back(m_lines[at].port->path() + " stands still");
-        }
-    }
-    return stuck;
 }
 
-void Run::report(const Tally& tally, std::uint64_t print) const
+void Run::closePorts()
 {
+    for (auto& line : m_lines) {
+        if (!line.port->close()) {
+            m_breaches.add(line.port->path() + " does not close");
+        }
+    }
+    if (!m_world.loop.runUntil([&] { return m_world.watchedTerminal.hasNoDescriptor(); })) {
+        m_breaches.add("a descriptor of a closed port is kept");
+    }
+    m_world.loop.drain();
+}
+
+// Only of a run that did not end early: else much is still under way.
+void Run::drawBalance()
+{
+    for (auto& line : m_lines) {
+        if (!m_breaches.any()) {
+            line.ledger->drawBalance();
+        }
+    }
+}
+
+void Run::letPortsGo()
+{
+    for (auto& line : m_lines) {
+        const std::weak_ptr<serial::SerialPort> last = std::exchange(line.port, nullptr);
+        if (!m_world.loop.runUntil([&] { return last.expired(); })) {
+            m_breaches.add("a port is kept by somebody");
+        }
+    }
+}
+
+void Run::report(std::uint64_t print) const
+{
+    Tally tally;
+    for (const auto& line : m_lines) {
+        tally += line.ledger->tally();
+    }
     std::cout << "sent " << tally.sent << ", refused " << tally.refused << ", answered " << tally.answered
               << ", timed out " << tally.timedOut << ", both " << tally.both << ", cleared " << tally.cleared
-              << ", time-outs without a request " << tally.timeoutsOfNone << ", chunks " << tally.chunks << ", opens "
-              << m_world.terminal.opens << ", closes " << m_world.terminal.closes << ", hang-ups " << m_hangUps
-              << ", schedule " << std::hex << print << std::dec << std::endl;
+              << ", steps that cleared nothing " << tally.clearedNothing << ", time-outs without a request "
+              << tally.timeoutsOfNone << ", chunks " << tally.chunks << ", opens " << m_world.terminal.opens
+              << ", closes " << m_world.terminal.closes << ", hang-ups " << m_hangUps << ", schedule " << std::hex
+              << print << std::dec << std::endl;
 }
 
 } // namespace vorrano::stress

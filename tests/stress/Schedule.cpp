@@ -10,12 +10,6 @@ namespace {
 
 using Dice = std::mt19937_64;
 
-std::uint64_t mixed(std::uint64_t hash, std::uint64_t value)
-{
-    constexpr std::uint64_t kPrime = 1099511628211ULL;
-    return (hash ^ value) * kPrime;
-}
-
 std::uint64_t hashOf(const std::string& text)
 {
     std::uint64_t hash = 14695981039346656037ULL;
@@ -56,6 +50,12 @@ Step nextStep(Dice& dice, std::size_t port, Milliseconds now)
 }
 
 } // namespace
+
+std::uint64_t mixed(std::uint64_t hash, std::uint64_t value)
+{
+    constexpr std::uint64_t kPrime = 1099511628211ULL;
+    return (hash ^ value) * kPrime;
+}
 
 std::vector<Step> scheduleOf(std::uint64_t seed, std::size_t ports, Milliseconds duration)
 {

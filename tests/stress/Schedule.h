@@ -10,6 +10,9 @@ namespace vorrano::stress {
 
 using Milliseconds = std::chrono::milliseconds;
 
+// Draws a number from two.
+[[nodiscard]] std::uint64_t mixed(std::uint64_t hash, std::uint64_t value);
+
 // What happens to a port, and when.
 enum class Fault { CloseAndReopen, CloseForLong, FlipFlowControl, ChangeBaudRate, ChangeParity, HangUp, SendFromMain };
 

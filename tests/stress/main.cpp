@@ -1,6 +1,7 @@
 #include "serial_pty/rig/PtyWorld.h"
 #include "stress/Run.h"
 
+#include <algorithm>
 #include <charconv>
 #include <chrono>
 #include <cstring>
@@ -15,8 +16,11 @@ using namespace vorrano;
 
 namespace {
 
-constexpr const char* kUsage = "usage: stress_serial [--seconds N] [--seed N] [--ports N] [--senders N]\n"
-                               "Stresses serial ports over ptys; the same seed gives the same schedule of faults.\n";
+constexpr const char* kUsage =
+    "usage: stress_serial [--seconds N] [--seed N] [--ports N] [--senders N] [--break WHAT]\n"
+    "Stresses serial ports over ptys; the same seed gives the same schedule of faults.\n"
+    "WHAT breaks the layer on purpose, so that the run has to end with an error:\n"
+    "drop-evaluation, drop-request, drop-timer or swap-steps.\n";
 
 std::optional<std::uint64_t> numberOf(std::string_view text)
 {
@@ -31,10 +35,12 @@ std::optional<stress::Order> orderOf(int count, char** arguments)
     for (int at = 1; at + 1 < count; at += 2) {
         const std::string_view name = arguments[at];
         const auto value = numberOf(arguments[at + 1]);
-        if (!value) {
+        const auto breaks = stress::breakOf(arguments[at + 1]);
+        if (name == "--break" && breaks) {
+            order.breaks = *breaks;
+        } else if (!value) {
             return std::nullopt;
-        }
-        if (name == "--seconds") {
+        } else if (name == "--seconds") {
             order.duration = std::chrono::seconds(*value);
         } else if (name == "--seed") {
             order.seed = *value;
@@ -64,8 +70,9 @@ int run(const stress::Order& order)
         breaches.push_back("threads left over: " + std::to_string(pty_rig::threads()) + ", not " +
                            std::to_string(threads));
     }
-    for (const auto& breach : breaches) {
-        std::cout << breach << "\n";
+    constexpr std::size_t kShown = 20;
+    for (std::size_t at = 0; at < std::min(breaches.size(), kShown); ++at) {
+        std::cout << breaches[at] << "\n";
     }
     std::cout << (breaches.empty() ? "all held" : std::to_string(breaches.size()) + " breaches") << std::endl;
     return breaches.empty() ? 0 : 1;

@@ -1,5 +1,7 @@
 #include "support/FakeAlerts.h"
 
+#include "platform/ScopeExit.h"
+
 #include <ostream>
 #include <utility>
 
@@ -47,7 +49,7 @@ int FakeAlerts::runModal(const platform::Alert& alert)
     m_shown.push_back(alert);
     const auto hold = m_mainQueue.hold();
     ++m_up;
-    const platform::Subscription gone([this] { --m_up; });
+    const platform::ScopeExit gone([this] { --m_up; });
     runFirst(m_meanwhile);
     if (m_ended) {
         return platform::kNoAnswer;

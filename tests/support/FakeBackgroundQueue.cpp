@@ -1,8 +1,5 @@
 #include "support/FakeBackgroundQueue.h"
 
-#include "support/FakeSerialQueue.h"
-#include "support/FakeTimer.h"
-
 #include <utility>
 
 namespace vorrano::support {
@@ -11,19 +8,17 @@ FakeBackgroundQueue::FakeBackgroundQueue(VirtualTime& time)
     : m_time(time)
 {}
 
-void FakeBackgroundQueue::async(Task task) { m_time.runInBackground(std::move(task)); }
-
-std::shared_ptr<platform::Timer> FakeBackgroundQueue::makeTimer(platform::TimerSchedule schedule, Task handler)
+void FakeBackgroundQueue::async(Task task)
 {
-    m_timers.push_back(schedule);
-    const auto submit = [&time = m_time](Task turn) { time.runInBackground(std::move(turn)); };
-    return std::make_shared<FakeTimer>(m_time, schedule, std::move(handler), submit, m_alive);
+    m_time.runInBackground(std::move(task));
+    // A free thread may begin before the call returns.
+    m_time.crossing();
 }
 
 std::shared_ptr<platform::SerialQueue> FakeBackgroundQueue::makeSerialQueue(std::string label)
 {
     m_labels.push_back(std::move(label));
-    return std::make_shared<FakeSerialQueue>(m_time);
+    return std::make_shared<FakeSerialQueue>(m_time, m_delays);
 }
 
 } // namespace vorrano::support

@@ -95,7 +95,12 @@ private:
     bool m_animating = false;
 };
 
-class FakeLabel : public FakeControl, public platform::Label {};
+class FakeLabel : public FakeControl, public platform::Label {
+public:
+    void setText(const std::string& text) override { content = text; }
+
+    std::string content;
+};
 
 class FakeTabView : public FakeControl, public platform::TabView {
 public:

@@ -1,5 +1,7 @@
 #include "support/FakeDeviceRegistry.h"
 
+#include "platform/ScopeExit.h"
+
 #include <algorithm>
 #include <array>
 #include <numeric>
@@ -47,7 +49,7 @@ platform::DeviceRegistry::Watch FakeDeviceRegistry::watch(DeviceEvent event, std
     if (const auto failing = m_failingWatches.extract(event)) {
         return {false, failing.mapped() ? addList({}) : 0};
     }
-    const auto devices = event == DeviceEvent::Published ? m_present : std::deque<DeviceHandle>();
+    const auto devices = event == DeviceEvent::Published ? m_present : std::exchange(m_firstRemovals, {});
     return {true, addList({devices, std::move(told), event, false, m_lastEvent})};
 }
 
@@ -122,23 +124,31 @@ std::vector<DeviceHandle> FakeDeviceRegistry::plugTogether(const std::vector<Dev
 
 void FakeDeviceRegistry::unplug(const std::string& calloutPath)
 {
-    const auto device = handleOf(calloutPath);
-    if (device == 0) {
-        ADD_FAILURE() << "no device is plugged in at " << calloutPath;
-        return;
+    if (const auto device = pluggedInAt(calloutPath)) {
+        std::erase(m_present, device);
+        tell(DeviceEvent::Terminated, {device});
     }
-    std::erase(m_present, device);
-    tell(DeviceEvent::Terminated, {device});
 }
 
 void FakeDeviceRegistry::duplicateEvent(const std::string& calloutPath, DeviceEvent event)
 {
-    const auto device = handleOf(calloutPath);
-    if (device == 0) {
-        ADD_FAILURE() << "no device is plugged in at " << calloutPath;
-        return;
+    if (const auto device = pluggedInAt(calloutPath)) {
+        tell(event, {device});
     }
-    tell(event, {device});
+}
+
+void FakeDeviceRegistry::nameTwiceInOneEvent(const std::string& calloutPath, DeviceEvent event)
+{
+    if (const auto device = pluggedInAt(calloutPath)) {
+        tell(event, {device, device});
+    }
+}
+
+void FakeDeviceRegistry::nameInTheFirstListOfRemovals(const std::string& calloutPath)
+{
+    if (const auto device = pluggedInAt(calloutPath)) {
+        m_firstRemovals.push_back(device);
+    }
 }
 
 void FakeDeviceRegistry::failWatch(DeviceEvent event, bool withIterator)
@@ -151,6 +161,13 @@ DeviceHandle FakeDeviceRegistry::handleOf(const std::string& calloutPath) const
     const auto has = [&](DeviceHandle device) { return m_devices.at(device).calloutPath == calloutPath; };
     const auto found = std::find_if(m_present.begin(), m_present.end(), has);
     return found == m_present.end() ? 0 : *found;
+}
+
+DeviceHandle FakeDeviceRegistry::pluggedInAt(const std::string& calloutPath) const
+{
+    const auto device = handleOf(calloutPath);
+    EXPECT_NE(device, 0U) << "no device is plugged in at " << calloutPath;
+    return device;
 }
 
 int FakeDeviceRegistry::references(std::uint32_t handle) const
@@ -211,7 +228,7 @@ void FakeDeviceRegistry::tell(DeviceEvent event, const std::vector<DeviceHandle>
     m_going.insert(m_going.end(), devices.begin(), devices.end());
     m_mainQueue.async([this, weak = std::weak_ptr(m_alive), event, devices, number = ++m_lastEvent] {
         if (weak.lock()) {
-            const platform::Subscription handled([this, count = static_cast<std::ptrdiff_t>(devices.size())] {
+            const platform::ScopeExit handled([this, count = static_cast<std::ptrdiff_t>(devices.size())] {
                 m_going.erase(m_going.begin(), m_going.begin() + count);
             });
             deliver(event, devices, number);

@@ -51,6 +51,12 @@ public:
     // Tells of a present device once more.
     void duplicateEvent(const std::string& calloutPath, platform::DeviceEvent event = platform::DeviceEvent::Published);
 
+    // Tells of a present device in one event that names it twice.
+    void nameTwiceInOneEvent(const std::string& calloutPath, platform::DeviceEvent event);
+
+    // The first list of the next watch for removals names this present device.
+    void nameInTheFirstListOfRemovals(const std::string& calloutPath);
+
     // The next enumeration (serialStreamDevices) can't start.
     void failEnumeration(int times = 1) { m_failingEnumerations = times; }
 
@@ -83,6 +89,7 @@ private:
 
     void expectMainThread() const;
     platform::DeviceIterator addList(List list);
+    [[nodiscard]] platform::DeviceHandle pluggedInAt(const std::string& calloutPath) const;
     [[nodiscard]] bool isReadable(platform::DeviceHandle device) const;
     void tell(platform::DeviceEvent event, const std::vector<platform::DeviceHandle>& devices);
     void deliver(platform::DeviceEvent event, const std::vector<platform::DeviceHandle>& devices, std::uint64_t number);
@@ -90,6 +97,7 @@ private:
     FakeMainQueue& m_mainQueue;
     std::map<platform::DeviceHandle, DeviceProperties> m_devices;
     std::deque<platform::DeviceHandle> m_present;
+    std::deque<platform::DeviceHandle> m_firstRemovals;
     // The devices of the events that have not been handled, in their order.
     std::deque<platform::DeviceHandle> m_going;
     std::map<platform::DeviceIterator, List> m_lists;

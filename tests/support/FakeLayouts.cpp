@@ -60,7 +60,17 @@ void FakeWindow::show()
     }
 }
 
-void FakeWindow::close() { disappear(); }
+void FakeWindow::close()
+{
+    if (m_sheetParent != nullptr) {
+        m_sheetParent->endSheet(*this, 0);
+        return;
+    }
+    if (m_sheet) {
+        endSheet(*m_sheet, 0);
+    }
+    disappear();
+}
 
 void FakeWindow::disappear()
 {

@@ -1,5 +1,7 @@
 #include "support/FakeLine.h"
 
+#include "platform/ScopeExit.h"
+
 #include <algorithm>
 #include <numeric>
 #include <utility>
@@ -128,7 +130,7 @@ void FakeLine::waitIfStalled(TerminalCall call)
 {
     auto& stall = m_stalls[call];
     ++stall.waiting;
-    const platform::Subscription going([&stall] { --stall.waiting; });
+    const platform::ScopeExit going([&stall] { --stall.waiting; });
     if (!stall.delays.empty()) {
         const auto end = m_time.now() + stall.delays.front();
         stall.delays.pop_front();

@@ -21,6 +21,7 @@ public:
     explicit FakeUrlFetch(VirtualTime& time);
 
     [[nodiscard]] std::optional<std::string> contentsOfUrl(const std::string& address) override;
+    void abort() override {}
 
     // The addresses asked for since the beginning or forget(), in order.
     [[nodiscard]] const std::vector<std::string>& requests() const { return m_requests; }

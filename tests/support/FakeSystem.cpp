@@ -1,5 +1,7 @@
 #include "support/FakeSystem.h"
 
+#include "platform/ScopeExit.h"
+
 #include <utility>
 
 #include <gtest/gtest.h>
@@ -38,7 +40,7 @@ void FakePause::pause(std::chrono::nanoseconds duration)
     {
         const auto hold = m_mainQueue.hold();
         ++m_on;
-        const platform::Subscription over([this] { --m_on; });
+        const platform::ScopeExit over([this] { --m_on; });
         if (!m_meanwhile.empty()) {
             const auto first = std::move(m_meanwhile.front());
             m_meanwhile.pop_front();
@@ -104,6 +106,9 @@ std::size_t FakePowerEvents::watchers() const { return m_willSleep->size() + m_d
 std::optional<std::vector<std::string>> FakeWifi::scanForNetworks()
 {
     ++m_scans;
+    if (const auto meanwhile = std::exchange(m_meanwhile, nullptr)) {
+        meanwhile();
+    }
     return m_networks;
 }
 

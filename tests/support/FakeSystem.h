@@ -1,6 +1,10 @@
 #pragma once
 
-#include "platform/System.h"
+#include "platform/OperatingSystem.h"
+#include "platform/Pause.h"
+#include "platform/PowerEvents.h"
+#include "platform/SystemLog.h"
+#include "platform/WifiInterface.h"
 #include "support/FakeMainQueue.h"
 
 #include <cstdint>
@@ -98,11 +102,15 @@ public:
     [[nodiscard]] std::optional<std::vector<std::string>> scanForNetworks() override;
     void setNetworks(std::optional<std::vector<std::string>> networks) { m_networks = std::move(networks); }
 
+    // Runs inside the next scan.
+    void whileScanning(std::function<void()> meanwhile) { m_meanwhile = std::move(meanwhile); }
+
     // How often the program scanned.
     [[nodiscard]] int scans() const { return m_scans; }
 
 private:
     std::optional<std::vector<std::string>> m_networks;
+    std::function<void()> m_meanwhile;
     int m_scans = 0;
 };
 

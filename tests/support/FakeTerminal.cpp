@@ -148,13 +148,15 @@ SystemResult FakeTerminal::setSpeed(TerminalAttributes& attributes, std::uint64_
     }
     const auto isRate = [baud](const auto& speed) { return speed.first == baud; };
     const auto standard = std::find_if(kStandardSpeeds.begin(), kStandardSpeeds.end(), isRate);
+    if (standard == kStandardSpeeds.end() && baud > UINT32_MAX) {
+        return failure(EINVAL);
+    }
+    attributes.record.c_cflag &= ~static_cast<tcflag_t>(CIBAUD);
+    attributes.customInputSpeed.reset();
     if (standard != kStandardSpeeds.end()) {
         attributes.customSpeed.reset();
         ::cfsetspeed(&attributes.record, standard->second);
         return {};
-    }
-    if (baud > UINT32_MAX) {
-        return failure(EINVAL);
     }
     attributes.customSpeed = baud;
     return {};
@@ -200,12 +202,13 @@ SystemResult FakeTerminal::waitReadable(int descriptor, std::chrono::microsecond
     return {waited == VirtualTime::Wait::Met ? 1 : 0};
 }
 
-void FakeTerminal::wait(std::chrono::microseconds duration)
+void FakeTerminal::wait(std::chrono::microseconds duration, std::chrono::microseconds leeway)
 {
     m_time.crossing();
     record(TerminalCall::Wait, 0, {}, "wait " + std::to_string(duration.count()) + "us");
     const auto never = [] { return false; };
-    m_time.waitUntil(never, m_time.now() + duration);
+    const auto late = std::chrono::duration_cast<Nanoseconds>(leeway * m_time.lateness());
+    m_time.waitUntil(never, m_time.now() + duration + late);
     unwindIfEnded();
 }
 

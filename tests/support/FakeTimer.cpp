@@ -15,93 +15,48 @@ Nanoseconds later(Nanoseconds from, Nanoseconds duration)
 } // namespace
 
 struct FakeTimer::State : std::enable_shared_from_this<State> {
-    enum class Turn { None, Queued, Running, RunningAndDue };
-
-    State(VirtualTime& clock, platform::TimerSchedule when)
+    explicit State(VirtualTime& clock)
         : time(clock)
-        , schedule(when)
     {}
 
-    void arm();
-    void fire();
-    void queueTurn();
-    void runTurn();
-    void cancel();
+    void fire()
+    {
+        submit([weak = weak_from_this()] {
+            if (const auto self = weak.lock()) {
+                self->runHandler();
+            }
+        });
+    }
+
+    void runHandler()
+    {
+        if (const auto running = std::exchange(handler, nullptr)) {
+            time.runGuarded(running);
+        }
+    }
+
+    void cancel()
+    {
+        time.forget(event);
+        const auto released = std::exchange(handler, nullptr);
+    }
 
     VirtualTime& time;
     platform::TimerSchedule schedule;
-    std::shared_ptr<Task> handler;
+    Task handler;
     std::function<void(Task)> submit;
-    std::weak_ptr<void> queue;
-    Nanoseconds due{};
     std::uint64_t event = 0;
     platform::Subscription worldsEnd;
-    Turn turn = Turn::None;
     bool started = false;
 };
 
-void FakeTimer::State::arm()
-{
-    const auto leeway = std::chrono::duration<double, std::nano>(schedule.leeway) * time.lateness();
-    event = time.at(later(due, std::chrono::duration_cast<Nanoseconds>(leeway)), [weak = weak_from_this()] {
-        if (const auto self = weak.lock()) {
-            self->fire();
-        }
-    });
-}
-
-void FakeTimer::State::fire()
-{
-    if (queue.expired()) {
-        cancel();
-        return;
-    }
-    if (schedule.interval > Nanoseconds(0)) {
-        due = later(due, schedule.interval);
-        arm();
-    }
-    if (turn == Turn::None) {
-        queueTurn();
-    } else if (turn == Turn::Running) {
-        turn = Turn::RunningAndDue;
-    }
-}
-
-void FakeTimer::State::queueTurn()
-{
-    turn = Turn::Queued;
-    submit([self = shared_from_this()] { self->runTurn(); });
-}
-
-void FakeTimer::State::runTurn()
-{
-    const auto running = handler;
-    if (!running || queue.expired()) {
-        turn = Turn::None;
-        return;
-    }
-    turn = Turn::Running;
-    time.runGuarded(*running);
-    if (turn == Turn::RunningAndDue && handler) {
-        queueTurn();
-    } else {
-        turn = Turn::None;
-    }
-}
-
-void FakeTimer::State::cancel()
-{
-    time.forget(event);
-    const auto released = std::exchange(handler, nullptr);
-}
-
 FakeTimer::FakeTimer(VirtualTime& time, platform::TimerSchedule schedule, Task handler,
-                     std::function<void(Task)> submit, std::weak_ptr<void> queue)
-    : m_state(std::make_shared<State>(time, schedule))
+                     std::function<void(Task)> submit)
+    : m_state(std::make_shared<State>(time))
 {
-    m_state->handler = std::make_shared<Task>(std::move(handler));
+    m_state->schedule = schedule;
+    m_state->handler = std::move(handler);
     m_state->submit = std::move(submit);
-    m_state->queue = std::move(queue);
     m_state->worldsEnd = time.whenEnded([weak = std::weak_ptr(m_state)] {
         if (const auto state = weak.lock()) {
             state->cancel();
@@ -113,11 +68,19 @@ FakeTimer::~FakeTimer() { m_state->cancel(); }
 
 void FakeTimer::start()
 {
-    if (!m_state->started && m_state->handler) {
-        m_state->started = true;
-        m_state->due = later(m_state->time.now(), m_state->schedule.first);
-        m_state->arm();
+    if (std::exchange(m_state->started, true) || !m_state->handler) {
+        return;
     }
+    auto& time = m_state->time;
+    const auto leeway = std::chrono::duration<double, std::nano>(m_state->schedule.leeway) * time.lateness();
+    const auto due = later(later(time.now(), m_state->schedule.delay), std::chrono::duration_cast<Nanoseconds>(leeway));
+    m_state->event = time.at(due, [weak = std::weak_ptr(m_state)] {
+        if (const auto state = weak.lock()) {
+            state->fire();
+        }
+    });
+    // It may fire before the call returns.
+    time.crossing();
 }
 
 void FakeTimer::cancel() { m_state->cancel(); }

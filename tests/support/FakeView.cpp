@@ -194,6 +194,8 @@ void FakeView::setTabs(std::string_view tabView, const std::vector<std::string>&
 
 std::string FakeView::text(std::string_view textField) const { return existing<FakeTextField>(textField).content; }
 
+std::string FakeView::labelText(std::string_view label) const { return existing<FakeLabel>(label).content; }
+
 bool FakeView::isEnabled(std::string_view control) const { return anyKind(control).isEnabled(); }
 
 bool FakeView::isHidden(std::string_view control) const { return anyKind(control).isHidden(); }

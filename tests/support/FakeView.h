@@ -47,6 +47,7 @@ public:
 
     // What is on the screen. A name that nobody has used yet fails the test.
     [[nodiscard]] std::string text(std::string_view textField) const;
+    [[nodiscard]] std::string labelText(std::string_view label) const;
     [[nodiscard]] bool isEnabled(std::string_view control) const;
     [[nodiscard]] bool isHidden(std::string_view control) const;
     [[nodiscard]] bool isAnimating(std::string_view progressIndicator) const;

@@ -5,6 +5,8 @@
 #include "support/FakeAlerts.h"
 #include "support/FakeLayouts.h"
 #include "support/FakeNetwork.h"
+#include "support/FakePortAccess.h"
+#include "support/FakeStayAwake.h"
 #include "support/FakeSystem.h"
 #include "support/VirtualTime.h"
 
@@ -18,9 +20,9 @@ public:
     SerialPlatform(platform::SystemLog& log, platform::MainQueue& mainQueue, platform::BackgroundQueue& backgroundQueue,
                    platform::Terminal& terminal, platform::DeviceRegistry& devices)
         : m_noTime(log)
-        , m_platform(platform::Ports{m_layouts, m_alerts, m_openPanel, mainQueue, backgroundQueue, notifications,
-                                     terminal, devices, m_wifi, m_reachability, m_urlFetch, m_power, m_pause, log,
-                                     m_system, ""})
+        , m_platform(platform::Interfaces{m_layouts, m_alerts, m_openPanel, mainQueue, backgroundQueue, notifications,
+                                          terminal, devices, m_wifi, m_reachability, m_urlFetch, m_power, m_stayAwake,
+                                          m_portAccess, m_pause, log, m_system, ""})
     {}
 
     platform::NotificationCentre notifications;
@@ -36,6 +38,8 @@ private:
     FakeUrlFetch m_urlFetch{m_noTime};
     FakePause m_pause{m_noQueue};
     FakePowerEvents m_power{m_noTime, m_pause};
+    FakeStayAwake m_stayAwake;
+    FakePortAccess m_portAccess;
     FakeOperatingSystem m_system;
     platform::Platform m_platform;
 };

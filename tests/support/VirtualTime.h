@@ -1,7 +1,8 @@
 #pragma once
 
 #include "platform/MainQueue.h"
-#include "platform/System.h"
+#include "platform/Subscription.h"
+#include "platform/SystemLog.h"
 #include "support/BackgroundThread.h"
 
 #include <chrono>
@@ -55,8 +56,8 @@ public:
 
     [[nodiscard]] Nanoseconds now() const { return m_now; }
 
-    // From now on the order of what is ready is drawn, and threads change places at terminal calls too. The same seed
-    // gives the same run.
+    // From now on the order of what is ready is drawn, and threads change places at terminal calls and where a
+    // background task or a timer is started too. The same seed gives the same run.
     void explore(std::uint32_t seed);
 
     // How much of its leeway a timer uses: 0.0 (as at first) to 1.0.

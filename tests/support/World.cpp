@@ -35,9 +35,9 @@ World::World(std::string serviceBaseUrl)
     , urlFetch(time)
     , pause(mainQueue)
     , power(time, pause)
-    , platform(platform::Ports{layouts, alerts, openPanel, mainQueue, backgroundQueue, notificationCentre, terminal,
-                               registry, wifi, reachability, urlFetch, power, pause, log, os,
-                               std::move(serviceBaseUrl)})
+    , platform(platform::Interfaces{layouts, alerts, openPanel, mainQueue, backgroundQueue, notificationCentre,
+                                    terminal, registry, wifi, reachability, urlFetch, power, stayAwake, portAccess,
+                                    pause, log, os, std::move(serviceBaseUrl)})
 {}
 
 // The threads go first: what they hold may use any of the ports.

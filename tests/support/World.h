@@ -8,6 +8,8 @@
 #include "support/FakeLayouts.h"
 #include "support/FakeMainQueue.h"
 #include "support/FakeNetwork.h"
+#include "support/FakePortAccess.h"
+#include "support/FakeStayAwake.h"
 #include "support/FakeSystem.h"
 #include "support/FakeTerminal.h"
 #include "support/VirtualTime.h"
@@ -67,6 +69,8 @@ public:
     FakeUrlFetch urlFetch;
     FakePause pause;
     FakePowerEvents power;
+    FakeStayAwake stayAwake;
+    FakePortAccess portAccess;
     FakeOperatingSystem os;
     platform::Platform platform;
 };

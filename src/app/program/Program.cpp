@@ -1,19 +1,20 @@
 #include "app/program/Program.h"
 
-#include "app/session/GlobalVariables.h"
 #include "app/shell/VorranoAppDelegate.h"
 #include "cloud/LoginViewController.h"
 #include "platform/NotificationCentre.h"
 #include "platform/Platform.h"
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LazyFetch.h"
-#include "platform/linux/LinuxOperatingSystem.h"
-#include "platform/linux/LinuxSystemLog.h"
-#include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/LogindPowerEvents.h"
+#include "platform/linux/LogindStayAwake.h"
 #include "platform/linux/NetlinkReachability.h"
 #include "platform/linux/NetworkManagerWifi.h"
 #include "platform/linux/UdevDeviceRegistry.h"
+#include "platform/posix/LazyFetch.h"
+#include "platform/posix/PosixOperatingSystem.h"
+#include "platform/posix/PosixPortAccess.h"
+#include "platform/posix/PosixSystemLog.h"
+#include "platform/posix/PosixTerminal.h"
 #include "platform/qt/QtAlerts.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtGate.h"
@@ -23,6 +24,7 @@
 #include "platform/qt/QtOpenPanel.h"
 #include "platform/qt/QtPause.h"
 #include "serial/SerialPortManager.h"
+#include "session/GlobalVariables.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -55,7 +57,7 @@ void releaseProcessWideObjects()
 {
     serial::SerialPortManager::releaseShared();
     session::GlobalVariables::releaseShared();
-    cloud::LoginViewController::releaseShared();
+    cloud::LoginViewController::forgetNetworkScan();
 }
 
 // The adapters in the order in which they need each other.
@@ -74,13 +76,14 @@ public:
         , m_powerEvents([this](platform::Task task) { m_mainQueue.asyncPastAlerts(std::move(task)); })
         , m_deviceRegistry(composition.makeDeviceRegistry(m_mainQueue))
         , m_terminal(*m_deviceRegistry)
+        , m_portAccess(*m_deviceRegistry)
         , m_wifi(composition.makeWifi())
-        , m_backgroundQueue(m_log, std::this_thread::get_id())
+        , m_backgroundQueue(m_log)
         , m_reachability(composition.makeReachability(m_mainQueue, m_backgroundQueue))
-        , m_platform(platform::Ports{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue,
-                                     m_notificationCentre, m_terminal, *m_deviceRegistry, *m_wifi, *m_reachability,
-                                     m_urlFetch, m_powerEvents, m_pause, m_log, m_operatingSystem,
-                                     composition.serviceBaseUrl})
+        , m_platform(platform::Interfaces{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue,
+                                          m_notificationCentre, m_terminal, *m_deviceRegistry, *m_wifi, *m_reachability,
+                                          m_urlFetch, m_powerEvents, m_stayAwake, m_portAccess, m_pause, m_log,
+                                          m_operatingSystem, composition.serviceBaseUrl})
     {}
 
     qt::QtMainLoop& loop() { return m_loop; }
@@ -94,9 +97,9 @@ public:
     }
 
 private:
-    linux_platform::LinuxSystemLog m_log;
-    linux_platform::LinuxOperatingSystem m_operatingSystem;
-    linux_platform::LazyFetch m_urlFetch;
+    posix_platform::PosixSystemLog m_log;
+    posix_platform::PosixOperatingSystem m_operatingSystem;
+    posix_platform::LazyFetch m_urlFetch;
     platform::NotificationCentre m_notificationCentre;
     qt::QtApplication m_application;
     qt::QtMainQueue m_mainQueue;
@@ -107,8 +110,10 @@ private:
     qt::QtOpenPanel m_openPanel;
     qt::QtPause m_pause;
     linux_platform::LogindPowerEvents m_powerEvents;
+    linux_platform::LogindStayAwake m_stayAwake;
     std::unique_ptr<platform::DeviceRegistry> m_deviceRegistry;
-    linux_platform::LinuxTerminal m_terminal;
+    posix_platform::PosixTerminal m_terminal;
+    posix_platform::PosixPortAccess m_portAccess;
     std::unique_ptr<platform::WifiInterface> m_wifi;
     asio_platform::AsioBackgroundQueue m_backgroundQueue;
     std::unique_ptr<platform::NetworkReachability> m_reachability;

@@ -4,11 +4,9 @@
 #include "app/shell/SetupMenuViewController.h"
 #include "app/shell/ShellTexts.h"
 #include "cloud/LoginViewController.h"
-#include "platform/Alerts.h"
 #include "platform/Layouts.h"
+#include "platform/OkAlert.h"
 #include "platform/Platform.h"
-
-#include <string>
 
 namespace vorrano::shell {
 
@@ -53,10 +51,7 @@ void VorranoAppDelegate::applicationDidFinishLaunching()
 
 void VorranoAppDelegate::displayUpdateOSAlert()
 {
-    m_alerts.runModal({std::string(shell_text::kUpgradeTitle),
-                       {std::string(shell_text::kOk)},
-                       std::string(shell_text::kUpgrade),
-                       platform::AlertStyle::Informational});
+    m_alerts.runModal(platform::okAlert(shell_text::kUpgradeTitle, shell_text::kUpgrade));
 }
 
 } // namespace vorrano::shell

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cloud/LoginWindows.h"
-#include "platform/System.h"
+#include "platform/OperatingSystem.h"
 
 #include <memory>
 

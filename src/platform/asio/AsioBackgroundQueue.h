@@ -1,32 +1,30 @@
 #pragma once
 
 #include "platform/BackgroundQueue.h"
-#include "platform/System.h"
+#include "platform/asio/AsioPool.h"
+#include "platform/asio/TimerThread.h"
 
 #include <chrono>
 #include <memory>
 #include <string>
-#include <thread>
 
 namespace vorrano::asio_platform {
 
-// The background queue: a pool of threads that grows when none is free, and lets surplus ones go after a second.
+// The background queue: a pool of threads that grows when none is free, and a thread for timers.
 //
 // Threads: as BackgroundQueue says; stop() on any thread, joinWithin() and the destructor on none of the queue's own.
-// The end: stop() lets no further task begin. Tasks that wait are dropped, timers cancelled, and those who wait in a
-// serial queue's sync() go on without its task having run; from then on everything handed in is dropped and sync()
-// returns unrun. Tasks that run go on to their end. The destructor stops, and waits for every one of them.
-// Lifetime: the log outlives the queue. Serial queues and timers may outlive it; they do nothing any more then.
+// The end: after stop() no task begins and no timer fires. Tasks that wait are dropped when their turn comes, and who
+// waits for one in sync() goes on then; what is handed in later is dropped at once. Tasks that run go on to their end.
+// The destructor stops, and waits for every one of them.
+// Lifetime: the log outlives the queue. Serial queues and timers may outlive it; they do nothing then.
 class AsioBackgroundQueue final : public platform::BackgroundQueue {
 public:
-    AsioBackgroundQueue(platform::SystemLog& log, std::thread::id mainThread);
+    explicit AsioBackgroundQueue(platform::SystemLog& log);
     AsioBackgroundQueue(const AsioBackgroundQueue&) = delete;
     AsioBackgroundQueue& operator=(const AsioBackgroundQueue&) = delete;
     ~AsioBackgroundQueue() override;
 
     void async(platform::Task task) override;
-    [[nodiscard]] std::shared_ptr<platform::Timer> makeTimer(platform::TimerSchedule schedule,
-                                                             platform::Task handler) override;
     [[nodiscard]] std::shared_ptr<platform::SerialQueue> makeSerialQueue(std::string label) override;
 
     void stop();
@@ -37,8 +35,8 @@ public:
     bool joinWithin(std::chrono::nanoseconds limit);
 
 private:
-    class Parts;
-    const std::unique_ptr<Parts> m_parts;
+    const std::shared_ptr<AsioPool> m_pool;
+    TimerThread m_timers;
 };
 
 } // namespace vorrano::asio_platform

@@ -1,6 +1,9 @@
 #include "platform/asio/AsioPool.h"
 
-#include <csignal>
+#include "platform/SystemLog.h"
+#include "platform/asio/SignalsBlocked.h"
+
+#include <exception>
 #include <string>
 #include <system_error>
 
@@ -11,26 +14,7 @@ namespace vorrano::asio_platform {
 namespace {
 
 // Free threads that stay.
-constexpr int kBase = 2;
-// How long a surplus one waits for work.
-constexpr std::chrono::seconds kPatience{1};
-
-// A new thread inherits the mask: signals are the main thread's.
-class AllSignalsBlocked {
-public:
-    AllSignalsBlocked()
-    {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &m_before);
-    }
-    AllSignalsBlocked(const AllSignalsBlocked&) = delete;
-    AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
-    ~AllSignalsBlocked() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-
-private:
-    sigset_t m_before{};
-};
+constexpr int kSpareThreads = 4;
 
 } // namespace
 
@@ -39,75 +23,77 @@ AsioPool::AsioPool(platform::SystemLog& log)
     , m_keepRunning(m_context.get_executor())
 {}
 
-void AsioPool::take()
+void AsioPool::run(const platform::Task& task) noexcept
 {
-    if (m_spare.fetch_sub(1) <= 0) {
-        grow();
+    if (isStopped()) {
+        return;
+    }
+    try {
+        task();
+    } catch (const std::exception& thrown) {
+        report(thrown.what());
+    } catch (...) {
+        report("no std::exception");
     }
 }
 
-void AsioPool::grow()
+void AsioPool::reserveThread()
 {
-    const std::lock_guard lock(m_mutex);
-    if (stopped()) {
-        return;
+    if (--m_free < 0) {
+        addThread();
     }
+}
+
+void AsioPool::freeThread()
+{
+    const platform::MutexLock lock(m_mutex);
+    ++m_free;
+}
+
+void AsioPool::addThread()
+{
     const auto place = m_threads.emplace(m_threads.end());
     try {
-        const AllSignalsBlocked blocked;
-        *place = std::thread([self = shared_from_this(), place] { self->work(place); });
+        const SignalsBlocked forTheThread;
+        *place = std::thread([self = shared_from_this(), place] { self->serve(place); });
         ++m_alive;
-        m_spare.fetch_add(1);
+        ++m_free;
     } catch (const std::system_error& refused) {
-        // The work waits for a thread that comes free.
+        // The work waits for a thread that becomes free.
         m_threads.erase(place);
         report(refused.what());
     }
 }
 
-void AsioPool::work(Threads::iterator self)
+void AsioPool::serve(Threads::iterator self)
 {
     pthread_setname_np(pthread_self(), "background");
-    serve();
+    while (m_context.run_one() > 0 && !leavesAsSurplus()) {
+    }
     leave(self);
 }
 
-// Until the pool has ended, or this thread is one too many.
-void AsioPool::serve()
+bool AsioPool::leavesAsSurplus()
 {
-    while (true) {
-        if (m_spare.load() <= kBase) {
-            if (m_context.run_one() == 0) {
-                return;
-            }
-        } else if (m_context.run_one_for(kPatience) == 0 && (m_context.stopped() || leaveIfSurplus())) {
-            return;
-        }
+    const platform::MutexLock lock(m_mutex);
+    if (m_free <= kSpareThreads) {
+        return false;
     }
-}
-
-bool AsioPool::leaveIfSurplus()
-{
-    int spare = m_spare.load();
-    while (spare > kBase) {
-        if (m_spare.compare_exchange_weak(spare, spare - 1)) {
-            return true;
-        }
-    }
-    return false;
+    --m_free;
+    return true;
 }
 
 void AsioPool::leave(Threads::iterator self)
 {
     std::thread before;
     {
-        const std::lock_guard lock(m_mutex);
-        if (!stopped()) {
-            before = std::exchange(m_left, std::move(*self));
+        const platform::MutexLock lock(m_mutex);
+        if (!m_stopped) {
+            before = std::exchange(m_lastLeft, std::move(*self));
             m_threads.erase(self);
         }
         --m_alive;
-        m_someoneLeft.notify_all();
+        m_threadLeft.notify_all();
     }
     if (before.joinable()) {
         before.join();
@@ -116,29 +102,24 @@ void AsioPool::leave(Threads::iterator self)
 
 void AsioPool::stop()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_stopped.store(true, std::memory_order_release);
-    // The threads leave when the last handler has run.
+    // The threads leave when the work that was handed in is done.
     m_keepRunning.reset();
 }
 
 bool AsioPool::join(std::optional<std::chrono::nanoseconds> limit)
 {
-    std::unique_lock lock(m_mutex);
-    const auto allLeft = [this] { return m_alive == 0; };
+    platform::MutexLock lock(m_mutex);
     if (m_leftSomeBehind) {
         return false;
     }
-    if (!limit) {
-        m_someoneLeft.wait(lock, allLeft);
-    } else if (!m_someoneLeft.wait_for(lock, *limit, allLeft)) {
-        m_leftSomeBehind = true;
-    }
-    Threads threads = std::exchange(m_threads, {});
-    threads.push_back(std::exchange(m_left, {}));
+    m_leftSomeBehind = !waitUntilAllLeft(limit);
+    auto threads = std::exchange(m_threads, {});
+    threads.push_back(std::exchange(m_lastLeft, {}));
     const bool complete = !m_leftSomeBehind;
     lock.unlock();
-    for (std::thread& thread : threads) {
+    for (auto& thread : threads) {
         if (complete && thread.joinable()) {
             thread.join();
         } else if (thread.joinable()) {
@@ -146,11 +127,24 @@ bool AsioPool::join(std::optional<std::chrono::nanoseconds> limit)
         }
     }
     if (complete) {
-        // Drops what was handed in too late for any thread to meet it.
+        // Work that waited for a thread which the system refused.
         m_context.restart();
         m_context.poll();
     }
     return complete;
+}
+
+bool AsioPool::waitUntilAllLeft(std::optional<std::chrono::nanoseconds> limit)
+{
+    const auto deadline = std::chrono::steady_clock::now() + limit.value_or(std::chrono::nanoseconds(0));
+    while (m_alive > 0) {
+        if (!limit) {
+            m_threadLeft.wait(m_mutex);
+        } else if (m_threadLeft.wait_until(m_mutex, deadline) == std::cv_status::timeout) {
+            return m_alive == 0;
+        }
+    }
+    return true;
 }
 
 void AsioPool::report(const char* what) noexcept
@@ -158,7 +152,7 @@ void AsioPool::report(const char* what) noexcept
     try {
         m_log.write(std::string("Uncaught exception of a background task: ") + what);
     } catch (...) {
-        // Nothing is left to tell it to.
+        // There is nobody left to tell.
     }
 }
 

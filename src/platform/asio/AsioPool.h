@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/System.h"
+#include "platform/MainQueue.h"
+#include "platform/Mutex.h"
 
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
@@ -9,21 +10,24 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
-#include <exception>
 #include <list>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <thread>
 #include <utility>
 
+namespace vorrano::platform {
+class SystemLog;
+}
+
 namespace vorrano::asio_platform {
 
-// The threads behind the background queue: an io_context and as many threads as its work needs.
+// The threads behind the background queue: an io_context, and as many threads as its work needs at the same time.
 //
-// Work that is handed in while no thread is free gets a new one at once. Free threads beyond two leave after a second.
+// Work that is handed in while no thread is free gets a new thread at once. A thread that has done its work leaves when
+// enough others are free.
 // Threads: every method on any thread; join() on none of the pool's.
-// Lifetime: held by its threads too, so that one that join() left behind still finds it.
+// Lifetime: its threads hold it too, so that a thread which join() left behind still finds it.
 class AsioPool : public std::enable_shared_from_this<AsioPool> {
 public:
     explicit AsioPool(platform::SystemLog& log);
@@ -31,74 +35,68 @@ public:
     AsioPool& operator=(const AsioPool&) = delete;
     ~AsioPool() = default;
 
-    // Runs `work` on a thread of the pool; dropped once the pool has been stopped.
+    // Runs `work` on a thread of the pool. Once the pool has been stopped it runs inside the call: all that is left to
+    // do then is to drop the tasks in it, which run() does.
     template <class Work>
     void post(Work work)
     {
-        if (stopped()) {
+        platform::MutexLock lock(m_mutex);
+        if (m_stopped) {
+            lock.unlock();
+            work();
             return;
         }
-        take();
+        reserveThread();
         asio::post(m_context, [this, work = std::move(work)]() mutable {
-            run(std::move(work));
-            m_spare.fetch_add(1);
+            {
+                // What the work holds goes before its thread counts as free.
+                auto once = std::move(work);
+                once();
+            }
+            freeThread();
         });
     }
 
-    // Runs `work` here; an exception that leaves it goes to the log.
-    template <class Work>
-    void guarded(Work& work) noexcept
-    {
-        try {
-            work();
-        } catch (const std::exception& thrown) {
-            report(thrown.what());
-        } catch (...) {
-            report("no std::exception");
-        }
-    }
+    // Runs the task here, unless the pool has been stopped. An exception that leaves it goes to the log.
+    void run(const platform::Task& task) noexcept;
 
-    // No work begins any more; what waits is dropped.
+    [[nodiscard]] bool isOnItsThread() { return m_context.get_executor().running_in_this_thread(); }
+    [[nodiscard]] asio::io_context& context() { return m_context; }
+
+    // No task begins any more.
     void stop();
-    [[nodiscard]] bool stopped() const { return m_stopped.load(std::memory_order_acquire); }
+    [[nodiscard]] bool isStopped() const { return m_stopped.load(std::memory_order_acquire); }
 
-    // After stop(): waits until every thread has left. False when `limit` passed first: the threads that are still
-    // busy then are left behind, and no later call waits for them.
+    // After stop(): waits until every thread has left. False when `limit` passed first: the threads that are still busy
+    // then are left behind, and no later call waits for them.
     bool join(std::optional<std::chrono::nanoseconds> limit);
 
 private:
     using Threads = std::list<std::thread>;
 
-    template <class Work>
-    void run(Work work) noexcept
-    {
-        if (!stopped()) {
-            guarded(work);
-        }
-    }
-
-    void take();
-    void grow();
-    void work(Threads::iterator self);
-    void serve();
-    [[nodiscard]] bool leaveIfSurplus();
+    void reserveThread() VORRANO_REQUIRES(m_mutex);
+    void freeThread();
+    void addThread() VORRANO_REQUIRES(m_mutex);
+    bool waitUntilAllLeft(std::optional<std::chrono::nanoseconds> limit) VORRANO_REQUIRES(m_mutex);
+    void serve(Threads::iterator self);
+    [[nodiscard]] bool leavesAsSurplus();
     void leave(Threads::iterator self);
     void report(const char* what) noexcept;
 
     platform::SystemLog& m_log;
     asio::io_context m_context;
     asio::executor_work_guard<asio::io_context::executor_type> m_keepRunning;
-    std::atomic<bool> m_stopped = false;
 
-    // Threads that are free, less the tasks that wait for one.
-    std::atomic<int> m_spare = 0;
-    std::mutex m_mutex;
-    std::condition_variable m_someoneLeft;
-    Threads m_threads;
+    platform::Mutex m_mutex;
+    std::condition_variable_any m_threadLeft;
+    Threads m_threads VORRANO_GUARDED_BY(m_mutex);
     // The thread that left last; the next one to leave joins it.
-    std::thread m_left;
-    int m_alive = 0;
-    bool m_leftSomeBehind = false;
+    std::thread m_lastLeft VORRANO_GUARDED_BY(m_mutex);
+    // Threads that are free, less the work that waits for one.
+    int m_free VORRANO_GUARDED_BY(m_mutex) = 0;
+    int m_alive VORRANO_GUARDED_BY(m_mutex) = 0;
+    std::atomic<bool> m_stopped = false; // written under the lock
+    bool m_leftSomeBehind VORRANO_GUARDED_BY(m_mutex) = false;
 };
 
 } // namespace vorrano::asio_platform

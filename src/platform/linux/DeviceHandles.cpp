@@ -44,6 +44,12 @@ const ListedDevice* DeviceHandles::find(DeviceHandle device) const
     return found == m_devices.end() ? nullptr : found->second.properties.get();
 }
 
+void DeviceHandles::update(DeviceHandle device, SerialDevice newest)
+{
+    auto& properties = m_devices.at(device).properties;
+    properties = std::make_unique<const ListedDevice>(ListedDevice{std::move(newest), properties->calloutPath});
+}
+
 DeviceIterator DeviceHandles::addList(const std::vector<DeviceHandle>& devices, Told told)
 {
     const auto number = newNumber();

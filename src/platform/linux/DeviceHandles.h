@@ -52,6 +52,9 @@ public:
     // Null when its properties have gone.
     [[nodiscard]] const ListedDevice* find(platform::DeviceHandle device) const;
 
+    // Replaces what is known of a device that has a use.
+    void update(platform::DeviceHandle device, SerialDevice newest);
+
     // A list with one holder. One with a callback is a watch: it is told of devices that are appended once it has been
     // walked to its end.
     [[nodiscard]] platform::DeviceIterator addList(const std::vector<platform::DeviceHandle>& devices, Told told);

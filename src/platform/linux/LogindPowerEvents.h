@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/MainQueue.h"
-#include "platform/System.h"
+#include "platform/PowerEvents.h"
 
 #include <cstdint>
 #include <functional>

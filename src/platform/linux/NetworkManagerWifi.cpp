@@ -18,6 +18,9 @@ namespace {
 
 constexpr std::chrono::milliseconds kLimit = std::chrono::seconds(1);
 constexpr unsigned kWifiDeviceType = 2;
+// Device states grow from "unmanaged" (10) and "unavailable" (20) to "activated".
+constexpr unsigned kUnavailableState = 20;
+constexpr unsigned kActivatedState = 100;
 
 const QString kService = QStringLiteral("org.freedesktop.NetworkManager");
 const QString kManagerPath = QStringLiteral("/org/freedesktop/NetworkManager");
@@ -71,7 +74,7 @@ std::optional<std::vector<QVariant>> propertiesOf(const QStringList& paths, cons
     return values;
 }
 
-std::optional<QString> firstWifiDevice(const TimedCalls& calls)
+std::optional<QStringList> wifiDevices(const TimedCalls& calls)
 {
     const auto devices =
         pathsFrom(calls.ask(methodCall(kService, kManagerPath, kService, QStringLiteral("GetDevices"))));
@@ -79,9 +82,30 @@ std::optional<QString> firstWifiDevice(const TimedCalls& calls)
     if (!types) {
         return std::nullopt;
     }
-    const auto isWifi = [](const QVariant& type) { return type.toUInt() == kWifiDeviceType; };
-    const auto first = std::find_if(types->begin(), types->end(), isWifi);
-    return first == types->end() ? std::nullopt : std::optional(devices->at(first - types->begin()));
+    QStringList wifi;
+    for (std::size_t i = 0; i < types->size(); ++i) {
+        if (types->at(i).toUInt() == kWifiDeviceType) {
+            wifi.push_back(devices->at(static_cast<qsizetype>(i)));
+        }
+    }
+    return wifi;
+}
+
+// Of the devices that can be used the one that is in use, else the first; none when there is none, or time ran out.
+std::optional<QString> defaultWifiDevice(const TimedCalls& calls)
+{
+    const auto devices = wifiDevices(calls);
+    const auto states = devices ? propertiesOf(*devices, kDevice, QStringLiteral("State"), calls) : std::nullopt;
+    if (!states) {
+        return std::nullopt;
+    }
+    const auto isActivated = [](const QVariant& state) { return state.toUInt() == kActivatedState; };
+    const auto isAvailable = [](const QVariant& state) { return state.toUInt() > kUnavailableState; };
+    auto chosen = std::find_if(states->begin(), states->end(), isActivated);
+    if (chosen == states->end()) {
+        chosen = std::find_if(states->begin(), states->end(), isAvailable);
+    }
+    return chosen == states->end() ? std::nullopt : std::optional(devices->at(chosen - states->begin()));
 }
 
 // Refused or not, it is for the next reader.
@@ -118,7 +142,7 @@ std::optional<std::vector<std::string>> NetworkManagerWifi::scanForNetworks()
     if (!QDBusConnection::systemBus().isConnected() || !isRunning(calls)) {
         return std::nullopt;
     }
-    const auto device = firstWifiDevice(calls);
+    const auto device = defaultWifiDevice(calls);
     if (!device) {
         return std::nullopt;
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <tuple>
 
 namespace vorrano::linux_platform {
 
@@ -92,7 +93,20 @@ std::optional<SerialDevice> serialDeviceOf(const TtyFacts& facts)
     if ((isUsbSerial(facts) || isCdcAcm(facts)) && !facts.initialized && !hasProperties) {
         return std::nullopt;
     }
-    return SerialDevice{facts.sysPath, facts.node, facts.name, calloutPathsOf(facts)};
+    return SerialDevice{facts.sysPath, facts.node, facts.name, calloutPathsOf(facts), facts.initializedAt};
+}
+
+bool isSameDevice(const SerialDevice& first, const SerialDevice& second)
+{
+    const bool agreeInTime =
+        first.initializedAt == 0 || second.initializedAt == 0 || first.initializedAt == second.initializedAt;
+    return agreeInTime && std::tie(first.sysPath, first.node, first.name, first.calloutPaths) ==
+                              std::tie(second.sysPath, second.node, second.name, second.calloutPaths);
+}
+
+bool isOlder(const SerialDevice& first, const SerialDevice& second)
+{
+    return first.initializedAt != 0 && first.initializedAt < second.initializedAt;
 }
 
 std::optional<std::string> propertyOf(const SerialDevice& device, const std::string& calloutPath, std::string_view key)

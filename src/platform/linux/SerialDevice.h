@@ -2,6 +2,7 @@
 
 #include "platform/DeviceRegistry.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,6 +18,9 @@ struct TtyFacts {
     std::string node;
     // Udev has run its rules for the device: its properties are complete.
     bool initialized = true;
+    // When udev first saw the device since it was plugged in, in microseconds of the computer's own clock; 0 when that
+    // is not known.
+    std::uint64_t initializedAt = 0;
     bool hasParent = false;
     std::string parentSubsystem;
     std::string parentDriver;
@@ -38,9 +42,16 @@ struct SerialDevice {
     std::string name;
     // Its callout path is the first of these that no present device has; the last is the device's alone.
     std::vector<std::string> calloutPaths;
-
-    friend bool operator==(const SerialDevice&, const SerialDevice&) = default;
+    // As in the facts.
+    std::uint64_t initializedAt = 0;
 };
+
+// Whether the two descriptions, read at different times, are of one device that stayed plugged in. A device that went
+// and came back is another one, though everything else about it is the same.
+[[nodiscard]] bool isSameDevice(const SerialDevice& first, const SerialDevice& second);
+
+// Whether the first was plugged in before the second; no when one of the times is not known.
+[[nodiscard]] bool isOlder(const SerialDevice& first, const SerialDevice& second);
 
 // The serial device that the facts speak of; none for virtual terminals, for ports of the 8250 family that are not
 // there, and for USB adapters whose properties are still to come.

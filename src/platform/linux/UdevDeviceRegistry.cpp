@@ -103,16 +103,21 @@ void UdevDeviceRegistry::handle(const TtyAdded& added)
     if (!device) {
         return;
     }
-    if (const auto known = find(device->sysPath); known != m_present.end()) {
-        if (m_handles.find(known->device())->device == *device) {
-            if (!wasSeenByEnumeration(added.number)) {
-                post(DeviceEvent::Published, known->device());
-            }
-            return;
+    const auto known = find(device->sysPath);
+    if (known == m_present.end()) {
+        post(DeviceEvent::Published, add(*device));
+    } else if (isOlder(*device, deviceOf(*known))) {
+        // The enumeration has found a later device in its place.
+        return;
+    } else if (isSameDevice(deviceOf(*known), *device)) {
+        keepNewest(*known, *device);
+        if (!wasSeenByEnumeration(added.number)) {
+            post(DeviceEvent::Published, known->device());
         }
+    } else {
         remove(known);
+        post(DeviceEvent::Published, add(*device));
     }
-    post(DeviceEvent::Published, add(*device));
 }
 
 void UdevDeviceRegistry::handle(const TtyRemoved& removed)
@@ -138,12 +143,15 @@ void UdevDeviceRegistry::handle(const EventsLost&)
     }
     for (auto present = m_present.begin(); present != m_present.end();) {
         const auto current = present++;
-        if (std::find(devices->begin(), devices->end(), m_handles.find(current->device())->device) == devices->end()) {
+        const auto isCurrent = [&](const auto& device) { return isSameDevice(deviceOf(*current), device); };
+        if (std::none_of(devices->begin(), devices->end(), isCurrent)) {
             remove(current);
         }
     }
     for (const auto& device : *devices) {
-        if (find(device.sysPath) == m_present.end()) {
+        if (const auto known = find(device.sysPath); known != m_present.end()) {
+            keepNewest(*known, device);
+        } else {
             post(DeviceEvent::Published, add(device));
         }
     }
@@ -194,8 +202,21 @@ void UdevDeviceRegistry::remove(Present::iterator device)
 
 UdevDeviceRegistry::Present::iterator UdevDeviceRegistry::find(const std::string& sysPath)
 {
-    const auto hasPath = [&](const auto& use) { return m_handles.find(use.device())->device.sysPath == sysPath; };
+    const auto hasPath = [&](const auto& use) { return deviceOf(use).sysPath == sysPath; };
     return std::find_if(m_present.begin(), m_present.end(), hasPath);
+}
+
+const SerialDevice& UdevDeviceRegistry::deviceOf(const DeviceHandles::Use& present) const
+{
+    return m_handles.find(present.device())->device;
+}
+
+// Udev may have seen the device only after it was listed.
+void UdevDeviceRegistry::keepNewest(const DeviceHandles::Use& present, const SerialDevice& newest)
+{
+    if (newest.initializedAt != 0) {
+        m_handles.update(present.device(), newest);
+    }
 }
 
 std::vector<DeviceHandle> UdevDeviceRegistry::presentDevices() const

@@ -67,6 +67,8 @@ private:
     platform::DeviceHandle add(const SerialDevice& device);
     void remove(Present::iterator device);
     [[nodiscard]] Present::iterator find(const std::string& sysPath);
+    [[nodiscard]] const SerialDevice& deviceOf(const DeviceHandles::Use& present) const;
+    void keepNewest(const DeviceHandles::Use& present, const SerialDevice& newest);
     [[nodiscard]] std::vector<platform::DeviceHandle> presentDevices() const;
     void post(platform::DeviceEvent kind, platform::DeviceHandle device);
     void submitDelivery();

@@ -118,6 +118,7 @@ TtyFacts UdevSource::factsOf(udev_device& device) const
     const auto property = [&](const char* key) { return textOf(udev_device_get_property_value(&device, key)); };
     facts.node = textOf(udev_device_get_devnode(&device));
     facts.initialized = !m_daemonRuns || udev_device_get_is_initialized(&device) > 0;
+    facts.initializedAt = numberOf<std::uint64_t>(property("USEC_INITIALIZED"));
     facts.serialNumber = property("ID_SERIAL_SHORT");
     facts.path = property("ID_PATH");
     facts.bus = property("ID_BUS");

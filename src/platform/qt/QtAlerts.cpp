@@ -60,6 +60,8 @@ public:
             setDefaultButton(m_buttons.front());
         }
         if (hasChoice()) {
+            // Without the customisation a window without close would be one with minimise and maximise on X11.
+            setWindowFlag(Qt::CustomizeWindowHint);
             setWindowFlag(Qt::WindowCloseButtonHint, false);
         }
     }

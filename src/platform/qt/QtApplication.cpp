@@ -31,6 +31,9 @@ void QtApplication::onQuitRequest(std::function<void()> asked) { m_quitRequest =
 
 bool QtApplication::notify(QObject* receiver, QEvent* event)
 {
+    if (m_heldKeys.holdsBack(*receiver, *event)) {
+        return true;
+    }
     bool handled = false;
     guarded(m_log, [&] { handled = QApplication::notify(receiver, event); });
     return handled;

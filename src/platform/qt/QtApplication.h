@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/qt/HeldKeys.h"
+
 #include <QApplication>
 
 #include <functional>
@@ -11,7 +13,7 @@ class SystemLog;
 namespace vorrano::qt {
 
 // Qt's application object, with the program's name and icon. An exception that leaves an event handler is written to
-// the system log, in nested loops too.
+// the system log, in nested loops too. A key that is held down acts once.
 //
 // Threads: made on the main thread, before any window. Lifetime: outlives them; `argc` and `log` outlive it.
 class QtApplication final : public QApplication {
@@ -28,6 +30,7 @@ protected:
 
 private:
     platform::SystemLog& m_log;
+    HeldKeys m_heldKeys;
     std::function<void()> m_quitRequest;
 };
 

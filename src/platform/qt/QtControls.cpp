@@ -16,6 +16,12 @@ QtButton::QtButton(QAbstractButton& button, const QtSurroundings& surroundings)
 
 void QtButton::onPress(platform::Action action) { m_press = std::move(action); }
 
+void QtLabel::setText(const std::string& text)
+{
+    widget().setTextFormat(Qt::PlainText);
+    widget().setText(QString::fromStdString(text));
+}
+
 void QtProgressIndicator::startAnimation() { widget().start(); }
 
 void QtProgressIndicator::stopAnimation() { widget().stop(); }

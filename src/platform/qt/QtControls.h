@@ -21,6 +21,8 @@ private:
 class QtLabel final : public QtControl<platform::Label, QLabel> {
 public:
     using QtControl::QtControl;
+
+    void setText(const std::string& text) override;
 };
 
 class QtProgressIndicator final : public QtControl<platform::ProgressIndicator, Spinner> {

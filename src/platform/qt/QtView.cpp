@@ -26,8 +26,10 @@ QtView::QtView(std::unique_ptr<QWidget> root, const QtSurroundings& surroundings
         if (widget->property("reveals").isValid()) {
             connectReveals(*widget);
         }
-        if (auto* const spinner = dynamic_cast<Spinner*>(widget)) {
-            m_spinners.push_back(spinner);
+        if (dynamic_cast<Spinner*>(widget) != nullptr) {
+            m_undimmed.push_back(widget);
+        } else if (widget->property("undimmed").toBool()) {
+            m_undimmed.push_front(widget);
         }
     }
 }
@@ -106,8 +108,8 @@ void QtView::setAlpha(double alpha)
         m_dimmer = new Dimmer(*m_root);
     }
     m_dimmer->setStrength(1.0 - m_alpha);
-    for (auto* const spinner : m_spinners) {
-        spinner->raise();
+    for (auto* const widget : m_undimmed) {
+        widget->raise();
     }
 }
 

@@ -5,18 +5,18 @@
 
 #include <QPointer>
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace vorrano::qt {
 
 class Dimmer;
-class Spinner;
 
 // A screen's content made from a layout. Check boxes with the property `reveals` (names of password fields, with blanks
 // between) show and hide what is typed there; they are the layout's own matter, and the logic does not see them.
+// Widgets with the property `undimmed`, and spinners, stay as they are on a dimmed screen.
 class QtView final : public platform::View {
 public:
     // Takes over `root` with its controls.
@@ -49,7 +49,8 @@ private:
     QWidget* m_root;
     Dimmer* m_dimmer = nullptr;
     double m_alpha = 1.0;
-    std::vector<Spinner*> m_spinners;
+    // The spinners at the end, as they are above everything else.
+    std::deque<QWidget*> m_undimmed;
     // All of the layout, asked for or not, as each keeps out what comes while it takes no input. A view that is put
     // into a page of this one has names of its own.
     std::map<std::string, std::unique_ptr<platform::Control>, std::less<>> m_controls;

@@ -11,8 +11,8 @@ DESCRIPTION = """\
 P: {port}
 E: SUBSYSTEM=usb
 E: DEVTYPE=usb_device
-A: idVendor=0403
-A: idProduct=6001
+A: idVendor={vendor}
+A: idProduct={product}
 A: serial={serial}
 
 P: {port}/1-{number}:1.0
@@ -59,25 +59,27 @@ class Computer:
     def environment(self):
         return {"LD_PRELOAD": self.PRELOAD, "UMOCKDEV_DIR": self.root}
 
-    def plug(self, node, serial="A1B2", number=1, minor=0):
-        """An adapter appears as /dev/ttyUSBminor, with the pseudo-terminal `node` behind it."""
+    def plug(self, node, serial="A1B2", number=1, minor=0, chip=("0403", "6001")):
+        """An adapter appears as /dev/ttyUSBminor, with the pseudo-terminal `node` behind it; chip is the numbers of its
+        vendor and product."""
         name = "ttyUSB%d" % minor
         os.symlink(node, os.path.join(self.root, "dev", name))
         port = "%s/1-%d" % (HUB, number)
         self._testbed.add_from_string(DESCRIPTION.format(port=port, number=number, name=name, minor=minor,
-                                                         serial=serial))
+                                                         serial=serial, vendor=chip[0], product=chip[1]))
         return Adapter(self._testbed, self.root, port, number, name)
 
 
 class Adapter:
     def __init__(self, testbed, root, port, number, name):
         self._testbed, self._root, self._name = testbed, root, name
-        self._paths = ["/sys%s/1-%d:1.0/%s/tty/%s" % (port, number, name, name),
-                       "/sys%s/1-%d:1.0/%s" % (port, number, name), "/sys%s/1-%d:1.0" % (port, number), "/sys" + port]
+        # The port first, the adapter last.
+        self.paths = ["/sys%s/1-%d:1.0/%s/tty/%s" % (port, number, name, name),
+                      "/sys%s/1-%d:1.0/%s" % (port, number, name), "/sys%s/1-%d:1.0" % (port, number), "/sys" + port]
 
     def unplug(self):
         """The kernel's events of a pulled cable; hanging the line up is the simulator's part."""
         os.unlink(os.path.join(self._root, "dev", self._name))
-        for path in self._paths:
+        for path in self.paths:
             self._testbed.uevent(path, "remove")
             self._testbed.remove_device(path)

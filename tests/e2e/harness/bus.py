@@ -121,6 +121,19 @@ class Node:
         return None if path.endswith("/null") else Node(self._bus, name, path)
 
     @property
+    def pid(self):
+        """The process that it is of."""
+        return self._bus.process_of(self._name)
+
+    @property
+    def window(self):
+        """The window that it is in, or is."""
+        node, parent = self, self.parent
+        while parent and parent.role != "application":
+            node, parent = parent, parent.parent
+        return node
+
+    @property
     def labels(self):
         """The names of the labels that are this control's own."""
         targets = [target for kind, nodes in self.call(ACCESSIBLE, "GetRelationSet")[0] if kind == LABELLED_BY

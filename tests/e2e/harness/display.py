@@ -1,4 +1,5 @@
 """A display of its own, with the accessibility bus."""
+import contextlib
 import os
 import shutil
 import subprocess
@@ -49,22 +50,57 @@ class Display:
     def click(self, x, y):
         subprocess.run(["xdotool", "mousemove", str(x), str(y), "click", "1"], check=True)
 
+    def click_on(self, node):
+        x, y, width, height = node.extents
+        self.click(x + width // 2, y + height // 2)
+
+    @contextlib.contextmanager
+    def held(self, *keys):
+        """Keeps keys down for a while; the display repeats the last of them quickly."""
+        x = XLib(self.name)
+        x.repeat_keys(after_ms=100, every_ms=20)
+        x.close()
+        subprocess.run(["xdotool", "keydown", *keys], check=True)
+        try:
+            yield
+        finally:
+            subprocess.run(["xdotool", "keyup", *reversed(keys)], check=True)
+
     def _windows(self, pid):
         search = ["xdotool", "search", "--onlyvisible", "--pid", str(pid)]
-        return subprocess.run(search, check=True, capture_output=True, text=True).stdout.split()
+        return subprocess.run(search, check=False, capture_output=True, text=True).stdout.split()
 
-    def focus_window(self, pid):
-        """Gives the keyboard to the program, as no window manager does it here."""
-        subprocess.run(["xdotool", "windowfocus", "--sync", self._windows(pid)[-1]], check=True)
+    @staticmethod
+    def _extents_of(window):
+        geometry = ["xdotool", "getwindowgeometry", "--shell", window]
+        said = subprocess.run(geometry, check=False, capture_output=True, text=True).stdout
+        values = dict(line.split("=") for line in said.splitlines())
+        return tuple(int(values.get(name, -1)) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
-    def focus_window_called(self, title):
-        subprocess.run(["xdotool", "search", "--onlyvisible", "--name", "^%s$" % title, "windowfocus", "--sync"],
-                       check=True)
+    def window_at(self, pid, extents):
+        """The number of the program's window that is there, or None."""
+        windows = self._windows(pid)
+        return next((window for window in windows if self._extents_of(window) == tuple(extents)), None)
+
+    def give_keyboard(self, node):
+        """Gives the keyboard to the window of an accessible, as no window manager does it here, and waits until the
+        program knows of it."""
+        window = node.window
+
+        def given():
+            if window.has("active"):
+                return True
+            number = self.window_at(window.pid, window.extents)
+            if number:
+                # A window that is not on the screen yet refuses.
+                subprocess.run(["xdotool", "windowfocus", number], check=False, stderr=subprocess.DEVNULL)
+            return False
+        wait_for("the keyboard", given)
 
     def close_window(self, pid):
         """What the window's close button does."""
         x = XLib(self.name)
-        x.ask_to_close(int(self._windows(pid)[-1]))
+        x.ask_to_close(int(wait_for("a window", lambda: self._windows(pid))[-1]))
         x.close()
 
     def stop(self):

@@ -28,12 +28,12 @@ class Alert:
 
 
 class Program:
-    def __init__(self, bus, display, executable, environment, log, folder=None):
+    def __init__(self, bus, display, executable, environment, log, folder=None, arguments=()):
         self._bus = bus
         self._display = display
         self._log = open(log, "w", encoding="utf-8")
-        self._process = subprocess.Popen([os.path.abspath(executable)], env=environment, stdin=subprocess.DEVNULL,
-                                         stdout=self._log, stderr=self._log, cwd=folder)
+        self._process = subprocess.Popen([os.path.abspath(executable), *arguments], env=environment,
+                                         stdin=subprocess.DEVNULL, stdout=self._log, stderr=self._log, cwd=folder)
         self.pid = self._process.pid
         self.root = wait_for("the program on the accessibility bus", self._find_root)
 

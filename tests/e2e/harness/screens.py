@@ -1,5 +1,6 @@
 """The ways through the program's screens that several cases take."""
 NO_VORRANO = "No Vorrano is connected. Plug it in with its USB cable."
+OTHER_VORRANO = "The Vorrano in use was unplugged. Another one is connected: choose this tab again to use it."
 TABS = ["Account Information", "Register Vorrano", "Wifi Setup", "Utilities"]
 
 

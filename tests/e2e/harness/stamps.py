@@ -26,3 +26,10 @@ class WriteStamps:
             if place >= 0:
                 return line[place:place + len(text)]
         raise AssertionError("the text was not written byte by byte")
+
+    def of_image(self, image):
+        """The writes of a firmware image, and the seconds between the last of each line and the first of the next."""
+        sent = image.replace("\n", "").encode()
+        writes = self.of(sent)
+        ends = [place for place, byte in enumerate(sent) if byte == ord("\r")][:-1]
+        return writes, [writes[place + 1].begun - writes[place].returned for place in ends]

@@ -37,7 +37,7 @@ class World:
         if started:
             self.start()
 
-    def start(self, extra=None):
+    def start(self, extra=None, arguments=()):
         """Starts the program, without anything of the person's own desktop; extra goes into its environment."""
         environment = {name: value for name, value in os.environ.items() if name not in HIDDEN}
         environment.update(self.computer.environment(), QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_QPA_PLATFORM="xcb",
@@ -46,7 +46,7 @@ class World:
         for name, value in (extra or {}).items():
             environment[name] = value + ":" + environment[name] if name == "LD_PRELOAD" else value
         self.program = Program(self.bus, self.display, os.path.join(self.build, self._program_name), environment,
-                               self.artefact("log"))
+                               self.artefact("log"), arguments=arguments)
         return self.program
 
     def artefact(self, suffix):

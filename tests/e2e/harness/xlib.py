@@ -1,7 +1,8 @@
-"""The one thing that a window manager does and no tool without one: asking a window to close."""
+"""What no tool does here: asking a window to close, as a window manager does, and setting how keys repeat."""
 import ctypes
 
 CLIENT_MESSAGE = 33
+CORE_KEYBOARD = 0x100
 
 
 class ClientMessage(ctypes.Structure):
@@ -24,6 +25,10 @@ class XLib:
         message = ClientMessage(type=CLIENT_MESSAGE, window=window, message_type=self._atom("WM_PROTOCOLS"), format=32)
         message.data[0] = self._atom("WM_DELETE_WINDOW")
         self._x.XSendEvent(self._display, ctypes.c_ulong(window), 0, ctypes.c_long(0), ctypes.byref(message))
+
+    def repeat_keys(self, after_ms, every_ms):
+        if not self._x.XkbSetAutoRepeatRate(self._display, CORE_KEYBOARD, after_ms, every_ms):
+            raise RuntimeError("the display does not repeat keys")
 
     def close(self):
         self._x.XCloseDisplay(self._display)

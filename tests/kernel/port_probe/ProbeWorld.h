@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxSystemLog.h"
-#include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/UdevDeviceRegistry.h"
+#include "platform/posix/PosixSystemLog.h"
+#include "platform/posix/PosixTerminal.h"
 #include "platform/qt/QtMainQueue.h"
 #include "support/SerialPlatform.h"
 
@@ -15,13 +15,13 @@ namespace vorrano::kernel_test {
 //
 // Lifetime: the application object outlives it; ports and the port manager are gone before it ends.
 struct ProbeWorld {
-    linux_platform::LinuxSystemLog log;
+    posix_platform::PosixSystemLog log;
     qt::QtMainQueue mainQueue{log};
-    asio_platform::AsioBackgroundQueue background{log, std::this_thread::get_id()};
+    asio_platform::AsioBackgroundQueue background{log};
 
 private:
     linux_platform::UdevDeviceRegistry m_registry{mainQueue};
-    linux_platform::LinuxTerminal m_terminal{m_registry};
+    posix_platform::PosixTerminal m_terminal{m_registry};
 
 public:
     support::SerialPlatform serialPlatform{log, mainQueue, background, m_terminal, m_registry};

@@ -38,6 +38,9 @@ std::string ttyText(const Adapter& adapter)
     if (!adapter.serialNumber.empty()) {
         text += "\nE: ID_SERIAL_SHORT=" + adapter.serialNumber;
     }
+    if (!adapter.initializedAt.empty()) {
+        text += "\nE: USEC_INITIALIZED=" + adapter.initializedAt;
+    }
     return text + "\n\n";
 }
 
@@ -80,6 +83,13 @@ void Testbed::unplug(const Adapter& adapter)
         umockdev_testbed_remove_device(m_testbed.get(), path.c_str());
     }
     m_sockets.erase(adapter.socket);
+}
+
+void Testbed::replugUnseen(const Adapter& adapter, const std::string& initializedAt)
+{
+    umockdev_testbed_set_property(m_testbed.get(), adapter.sysPath().c_str(), "USEC_INITIALIZED",
+                                  initializedAt.c_str());
+    sendEvent(adapter, "add");
 }
 
 void Testbed::sendEvent(const Adapter& adapter, const std::string& action)

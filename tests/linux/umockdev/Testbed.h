@@ -21,6 +21,8 @@ struct Adapter {
     int interfaces = 1;
     // "ftdi_sio" and such on the usb-serial bus, or "cdc_acm".
     std::string driver = "ftdi_sio";
+    // When udev first saw it, in microseconds; empty: udev does not tell.
+    std::string initializedAt{};
 
     [[nodiscard]] std::string sysPath() const;
 };
@@ -36,6 +38,8 @@ public:
     // The "add" event comes with it.
     void plug(const Adapter& adapter);
     void unplug(const Adapter& adapter);
+    // As if its "remove" event had been lost: it comes back with that time.
+    void replugUnseen(const Adapter& adapter, const std::string& initializedAt);
     void sendEvent(const Adapter& adapter, const std::string& action);
 
     // A UART on a board; the type is the text of its sysfs attribute, none when it has no such attribute.

@@ -306,6 +306,19 @@ TEST_F(UdevRegistry, TellsOnlyOnceOfARemovalThatComesTwice)
     EXPECT_THAT(terminated, ElementsAre(ElementsAre("/dev/cu.usbserial-A1B2")));
 }
 
+TEST_F(UdevRegistry, TellsOfAnAdapterThatCameBackThoughTheEventOfItsGoingWasLost)
+{
+    const Adapter adapter{.initializedAt = "1000"};
+    testbed.plug(adapter);
+    watch();
+
+    testbed.replugUnseen(adapter, "2000");
+    expectEvents(2);
+
+    EXPECT_THAT(terminated, ElementsAre(ElementsAre("/dev/cu.usbserial-A1B2")));
+    EXPECT_THAT(published, ElementsAre(ElementsAre("/dev/cu.usbserial-A1B2")));
+}
+
 TEST_F(UdevRegistry, SaysNothingOfADeviceThatMerelyChanges)
 {
     testbed.plug({});

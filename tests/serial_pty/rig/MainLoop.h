@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/MainQueue.h"
-#include "platform/System.h"
+#include "platform/SystemLog.h"
 
 #include <chrono>
 #include <condition_variable>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/linux/LinuxTerminal.h"
+#include "platform/posix/PosixTerminal.h"
 #include "serial_pty/rig/MainLoop.h"
 #include "serial_pty/rig/PtyDevices.h"
 #include "serial_pty/rig/RigTerminal.h"
@@ -13,27 +13,30 @@
 
 namespace vorrano::pty_rig {
 
-// The serial layer on what it runs on in the program (the real queues, threads and terminals), without a window.
+// What the serial layer runs on in the program: the real queues, threads and terminals, without a window.
 //
 // Lifetime: ports are closed and gone before it ends.
-class PtyWorld {
+class PtyParts {
 public:
-    PtyWorld() = default;
-    PtyWorld(const PtyWorld&) = delete;
-    PtyWorld& operator=(const PtyWorld&) = delete;
-    ~PtyWorld() { loop.end(); }
+    PtyParts() = default;
+    PtyParts(const PtyParts&) = delete;
+    PtyParts& operator=(const PtyParts&) = delete;
+    ~PtyParts() { loop.end(); }
 
     support::FakeSystemLog log;
     PtyDevices devices;
 
 private:
-    linux_platform::LinuxTerminal m_linux{devices};
+    posix_platform::PosixTerminal m_linux{devices};
 
 public:
     RigTerminal terminal{m_linux};
     MainLoop loop{log};
-    asio_platform::AsioBackgroundQueue background{log, std::this_thread::get_id()};
+    asio_platform::AsioBackgroundQueue background{log};
+};
 
+// The serial layer on them.
+class PtyWorld : public PtyParts {
 private:
     support::SerialPlatform m_platform{log, loop, background, terminal, devices};
 };

@@ -52,10 +52,13 @@ SystemResult RigTerminal::waitReadable(int descriptor, std::chrono::microseconds
     return m_terminal.waitReadable(descriptor, limit);
 }
 
-void RigTerminal::wait(std::chrono::microseconds duration)
+void RigTerminal::wait(std::chrono::microseconds duration, std::chrono::microseconds leeway)
 {
-    m_terminal.wait(duration);
-    ++roundsWaitedOut;
+    m_terminal.wait(duration, leeway);
+    // The poll's waits have a leeway, the reader's rounds have none.
+    if (leeway.count() == 0) {
+        ++roundsWaitedOut;
+    }
 }
 
 SystemResult RigTerminal::read(int descriptor, std::span<std::byte> into)

@@ -34,7 +34,7 @@ public:
     platform::SystemResult modemLines(int descriptor) override;
     platform::SystemResult setModemLines(int descriptor, int lines) override;
     platform::SystemResult waitReadable(int descriptor, std::chrono::microseconds limit) override;
-    void wait(std::chrono::microseconds duration) override;
+    void wait(std::chrono::microseconds duration, std::chrono::microseconds leeway) override;
     platform::SystemResult read(int descriptor, std::span<std::byte> into) override;
     platform::SystemResult write(int descriptor, std::span<const std::byte> bytes) override;
     platform::SystemResult close(int descriptor) override;

@@ -7,19 +7,19 @@ namespace {
 
 AccountForm filledForm()
 {
-    return {.accountID = "ada1815",
-            .password = "secret1",
-            .confirmPassword = "secret1",
-            .guestPassword = "guest22",
-            .confirmGuestPassword = "guest22",
-            .email = "ada@host.example",
-            .name = "Ada",
-            .address = "1 Main St",
-            .address2 = "Top",
-            .cityName = "Town",
-            .stateName = "ST",
-            .countryName = "Land",
-            .zipCode = "12345"};
+    return {{.accountID = "ada1815",
+             .password = "secret1",
+             .guestPassword = "guest22",
+             .email = "ada@host.example",
+             .name = "Ada",
+             .address = "1 Main St",
+             .address2 = "Top",
+             .cityName = "Town",
+             .stateName = "ST",
+             .countryName = "Land",
+             .zipCode = "12345"},
+            "secret1",
+            "guest22"};
 }
 
 using Change = void (*)(AccountForm&);
@@ -150,83 +150,6 @@ TEST(CheckingTheFormInOrder, ComparesTheGuestPasswordWithThePasswordOnlyAfterBot
     setPasswords(form, "same66");
     setGuestPasswords(form, "same66");
     EXPECT_EQ(cloud::refusalOf(form), "Guest Passwords cannot be the same as password.Please re-enter the passwords");
-}
-
-namespace {
-
-struct AddressCase {
-    const char* name;
-    Change change;
-    std::string path;
-};
-
-class SaveAddress : public testing::TestWithParam<AddressCase> {};
-
-constexpr auto kRoot = "https://host.example/VorranoAPI/RestServiceImpl.svc/";
-
-} // namespace
-
-TEST_P(SaveAddress, OfANewAccountIsBuiltFieldByField)
-{
-    auto form = filledForm();
-    GetParam().change(form);
-
-    EXPECT_EQ(cloud::newAccountAddress(kRoot, form), kRoot + ("insertAccount/" + GetParam().path));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, SaveAddress,
-    testing::Values(
-        AddressCase{"Filled", [](AccountForm&) {},
-                    "ada1815//secret1/ada@host.example/Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22"},
-        AddressCase{"EmptyNameAndAddress2AreNil", [](AccountForm& form) { form.name = form.address2 = ""; },
-                    "ada1815//secret1/ada@host.example/nil/1%20Main%20St/nil/Town/ST/Land/12345/guest22"},
-        AddressCase{"EveryEmptyFieldBetweenEmailAndGuestPasswordIsNil",
-                    [](AccountForm& form) { form = {"a", "p", "p", "g", "g", "e", "", "", "", "", "", "", ""}; },
-                    "a//p/e/nil/nil/nil/nil/nil/nil/nil/g"},
-        AddressCase{"LeadingBlanksStay",
-                    [](AccountForm& form) {
-                        form = {" a", " p", " p", " g", " g", " e", " n", " 1", " 2", " c", " s", " l", " z"};
-                    },
-                    "%20a//%20p/%20e/%20n/%201/%202/%20c/%20s/%20l/%20z/%20g"},
-        AddressCase{"TrailingBlanksGoButForAccountIDAndZipCode",
-                    [](AccountForm& form) {
-                        form = {"a ", "p ", "p ", "g ", "g ", "e ", "n ", "1 ", "2 ", "c ", "s ", "l ", "z "};
-                    },
-                    "a%20//p/e/n/1/2/c/s/l/z%20/g"},
-        AddressCase{"TabsAreTrimmedLikeBlanks", [](AccountForm& form) { form.name = "\tAda \t"; },
-                    "ada1815//secret1/ada@host.example/%09Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22"},
-        AddressCase{"NoBreakSpacesAreTrimmedLikeBlanks", [](AccountForm& form) { form.name = "Ada\xc2\xa0"; },
-                    "ada1815//secret1/ada@host.example/Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22"},
-        AddressCase{"LineEndsAreNotTrimmed", [](AccountForm& form) { form.name = "Ada\n"; },
-                    "ada1815//secret1/ada@host.example/Ada%0A/1%20Main%20St/Top/Town/ST/Land/12345/guest22"},
-        AddressCase{"FieldsOfBlanksAreEmptyNotNil",
-                    [](AccountForm& form) { form.email = form.name = form.address = form.zipCode = "  "; },
-                    "ada1815//secret1////Top/Town/ST/Land/%20%20/guest22"},
-        AddressCase{"BlanksInsideAFieldAreEscaped", [](AccountForm& form) { form.cityName = "New  Town"; },
-                    "ada1815//secret1/ada@host.example/Ada/1%20Main%20St/Top/New%20%20Town/ST/Land/12345/guest22"},
-        AddressCase{"LettersBeyondAsciiAreEscapedAsUtf8", [](AccountForm& form) { form.name = "J\xc3\xbcrgen"; },
-                    "ada1815//secret1/ada@host.example/J%C3%BCrgen/1%20Main%20St/Top/Town/ST/Land/12345/guest22"},
-        AddressCase{"PercentSignsAndAmpersandsStay", [](AccountForm& form) { form.name = "100%41&b"; },
-                    "ada1815//secret1/ada@host.example/100%41&b/1%20Main%20St/Top/Town/ST/Land/12345/guest22"},
-        AddressCase{"DotSegmentsStay", [](AccountForm& form) { form.name = ".."; },
-                    "ada1815//secret1/ada@host.example/../1%20Main%20St/Top/Town/ST/Land/12345/guest22"},
-        AddressCase{"AnAccountIDOfBlanksStays", [](AccountForm& form) { form.accountID = "  "; },
-                    "%20%20//secret1/ada@host.example/Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22"}),
-    [](const auto& given) { return given.param.name; });
-
-TEST(UpdateAddress, CarriesTheSessionsAccountIDInsteadOfTheForms)
-{
-    EXPECT_EQ(cloud::accountUpdateAddress(kRoot, "57", filledForm()),
-              std::string(kRoot) +
-                  "getAccounts/57//secret1/ada@host.example/Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22");
-}
-
-TEST(UpdateAddress, CountsAnAbsentAccountIDAsEmptyText)
-{
-    EXPECT_EQ(cloud::accountUpdateAddress(kRoot, std::nullopt, filledForm()),
-              std::string(kRoot) +
-                  "getAccounts///secret1/ada@host.example/Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22");
 }
 
 TEST(TextFieldContainsWhiteSpaces, CountsOnlyBlanksInside)

@@ -66,11 +66,14 @@ TEST_F(AccountTab, Helps)
 
 TEST_F(AccountTab, ShowsNoAlertForAnAbsentText)
 {
-    openForNewAccount();
+    struct OpenTab : AccountInfoViewController {
+        using AccountInfoViewController::displayAlertWithString;
+    };
+    const auto tab = std::make_shared<OpenTab>();
 
-    controller->displayAlertWithString(std::nullopt);
+    tab->displayAlertWithString(std::nullopt);
     EXPECT_TRUE(world.alerts.shown().empty());
-    controller->displayAlertWithString("");
+    tab->displayAlertWithString("");
     EXPECT_EQ(world.alerts.only(), alertOf("ERROR", ""));
 }
 

@@ -105,6 +105,19 @@ TEST_F(AccountTab, StopsFillingTheFormAtAFieldThatIsNoText)
     expectNotLogged("secret1");
 }
 
+TEST_F(AccountTab, StopsFillingTheFormAtAFieldThatIsJsonsNull)
+{
+    openSignedIn("57", R"({"data":[{"AccountLogin":"ada1815","Password":"secret1","Email":null,"Name":"Ada"}]})");
+
+    auto expected = emptyForm();
+    expected["accountID"] = "ada1815";
+    expected["password"] = expected["confirmPassword"] = "secret1";
+    EXPECT_EQ(form(), expected);
+    EXPECT_TRUE(world.alerts.shown().empty());
+    EXPECT_EQ(world.log.lines().size(), 1U);
+    expectNotLogged("secret1");
+}
+
 namespace {
 
 struct AccountReplyOfTheWrongShape : AccountTab, testing::WithParamInterface<ShapeCase> {};

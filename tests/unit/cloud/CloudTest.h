@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/session/GlobalVariables.h"
 #include "cloud/LoginViewController.h"
 #include "platform/Alerts.h"
+#include "session/GlobalVariables.h"
 #include "support/World.h"
 
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ struct CloudTest : testing::Test {
     void TearDown() override
     {
         session::GlobalVariables::releaseShared();
-        LoginViewController::releaseShared();
+        LoginViewController::forgetNetworkScan();
     }
 
     // Whether a text is in none of the log's lines.

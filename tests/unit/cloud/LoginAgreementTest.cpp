@@ -63,6 +63,21 @@ TEST_F(LoginScreen, ClosesTheLoginWindowAndOpensTheSetupWindowWhenTheAgreementIs
     EXPECT_FALSE(world.layouts.hasProgramEnded());
 }
 
+TEST_F(LoginScreen, OpensOneSetupWindowWhenASignInOvertakesTheAcceptedAgreement)
+{
+    view.press("registerVorranoButton");
+    auto& agreement = world.layouts.window(kAgreementLayout);
+    agreement.sheetParent()->endSheet(agreement, 1);
+
+    controller->navigateToSetupMenu();
+    world.run();
+
+    EXPECT_EQ(setupWindowsMade, 1);
+    EXPECT_TRUE(world.layouts.window(kSetupLayout).isVisible());
+    EXPECT_FALSE(mainWindow->isVisible());
+    EXPECT_EQ(controller->eulaWindowViewController(), nullptr);
+}
+
 TEST_F(LoginScreen, LeavesTheAccountIdUnsetWhenANewAccountIsChosenAfterAFailedLogin)
 {
     world.urlFetch.answer(bodyWithId("0"));
@@ -124,7 +139,7 @@ namespace {
 struct LoginsWifiScan : LoginScreen {
     LoginsWifiScan()
     {
-        LoginViewController::releaseShared();
+        LoginViewController::forgetNetworkScan();
         world.wifi.setNetworks(std::vector<std::string>{"My Home Net", "Other"});
     }
     int scansBefore = world.wifi.scans();

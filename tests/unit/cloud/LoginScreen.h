@@ -40,6 +40,8 @@ struct LoginScreen : CloudTest {
 
     LoginScreen()
     {
+        // The layout has it before the screen is busy for the first time.
+        view.progressIndicator(kSpinner);
         controller = makeController();
         mainWindow->show();
     }

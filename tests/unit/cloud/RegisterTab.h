@@ -21,6 +21,13 @@ inline const std::string kNoMacLine = "There was an error retrieving Mac Address
 inline const auto kRegistered = alertOf("Success", "Device Successfully Registered. Proceed to WiFi Setup.");
 inline const auto kNoMac = alertOf("ERROR", "Failed to retrieve Mac Address of the Vorrano. Please try again");
 
+// The operations that no person can ask for.
+struct OpenRegisterTab : RegisterVorranoViewController {
+    using RegisterVorranoViewController::displayErrorAlertWithString;
+    using RegisterVorranoViewController::displaySuccessAlertWithString;
+    using RegisterVorranoViewController::queryForMacAddress;
+};
+
 // The registration tab, the person at it, and what is on the cable.
 struct RegisterTab : CloudTest {
     std::shared_ptr<RegisterVorranoViewController> controller;

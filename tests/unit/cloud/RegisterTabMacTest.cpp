@@ -10,7 +10,7 @@ TEST_F(RegisterTab, AsksTheVorranoForItsMacAddressWhenItIsBuilt)
     chooseTab();
 
     EXPECT_EQ(line.written(), "3");
-    EXPECT_EQ(controller->queryNumber(), device::DeviceCommand::MacAddress);
+    EXPECT_EQ(controller->exchange().queryNumber(), device::DeviceCommand::MacAddress);
     EXPECT_EQ(controller->macAddressString(), std::nullopt);
     EXPECT_EQ(view().alpha(), 1.0);
 }
@@ -95,7 +95,7 @@ TEST_F(RegisterTab, OpensTheFirstPortAndAsksNothingWhenNoneIsAVorranos)
     EXPECT_FALSE(second.isOpen());
     EXPECT_EQ(first.written(), "");
     EXPECT_EQ(controller->deviceIndex(), 0);
-    EXPECT_EQ(controller->queryNumber(), std::nullopt);
+    EXPECT_EQ(controller->exchange().queryNumber(), std::nullopt);
     EXPECT_TRUE(world.log.lines().empty());
     save("Kitchen");
     EXPECT_EQ(world.alerts.only(), kNoMac);
@@ -123,7 +123,7 @@ TEST_F(RegisterTab, AsksNothingWhereThereIsNoPort)
 
     EXPECT_EQ(controller->serialPort(), nullptr);
     EXPECT_EQ(controller->deviceIndex(), 0);
-    EXPECT_EQ(controller->queryNumber(), std::nullopt);
+    EXPECT_EQ(controller->exchange().queryNumber(), std::nullopt);
     EXPECT_TRUE(world.log.lines().empty());
     EXPECT_TRUE(world.alerts.shown().empty());
 }
@@ -153,6 +153,22 @@ TEST_F(RegisterTab, AsksAgainWhenItIsChosenAgain)
 
     EXPECT_EQ(line.written(), "3");
     EXPECT_EQ(controller->macAddressString(), kMacReply);
+}
+
+TEST_F(RegisterTab, OverwritesTheMacAddressWithALaterReply)
+{
+    auto& line = world.plugVorrano();
+    const auto tab = std::make_shared<OpenRegisterTab>();
+    tab->awakeFromNib();
+    line.reply(kMacReply);
+    world.run();
+    const std::string later = "00:1B:44:11:3A:B8\n\r";
+
+    tab->queryForMacAddress();
+    line.reply(later);
+    world.run();
+
+    EXPECT_EQ(tab->macAddressString(), later);
 }
 
 TEST_F(RegisterTab, KeepsTheMacAddressWhenTheVorranoIsUnplugged)

@@ -207,20 +207,20 @@ TEST_F(RegisterTab, LogsNeitherMacNorNameNorAddress)
 
 TEST_F(RegisterTab, ShowsNoAlertForAnAbsentText)
 {
-    chooseTab();
+    const auto tab = std::make_shared<OpenRegisterTab>();
 
-    controller->displaySuccessAlertWithString(std::nullopt);
-    controller->displayErrorAlertWithString(std::nullopt);
+    tab->displaySuccessAlertWithString(std::nullopt);
+    tab->displayErrorAlertWithString(std::nullopt);
 
     EXPECT_TRUE(world.alerts.shown().empty());
 }
 
 TEST_F(RegisterTab, ShowsAPercentSignInItsAlertsAsItIs)
 {
-    chooseTab();
+    const auto tab = std::make_shared<OpenRegisterTab>();
 
-    controller->displaySuccessAlertWithString("100%@ %d");
-    controller->displayErrorAlertWithString("100%");
+    tab->displaySuccessAlertWithString("100%@ %d");
+    tab->displayErrorAlertWithString("100%");
 
     EXPECT_EQ(world.alerts.shown(), (std::vector{alertOf("Success", "100%@ %d"), alertOf("ERROR", "100%")}));
 }

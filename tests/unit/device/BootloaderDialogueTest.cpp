@@ -44,9 +44,9 @@ TEST_F(BootloaderDialogue, ResetsTheDeviceIntoItsBootloaderWithoutAPause)
     EXPECT_EQ(line().writes()[0].at, line().writes()[1].at);
     EXPECT_EQ(step(), BootloaderSequence::One);
     EXPECT_EQ(tab->firmwareUpdate().filename(), image.path());
-    EXPECT_TRUE(tab->waitingForAck());
+    EXPECT_TRUE(tab->exchange().waitingForAck());
     EXPECT_TRUE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), std::nullopt);
+    EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
 }
 
 TEST_F(BootloaderDialogue, AsksForTheUploadAtTheBootloadersPrompt)
@@ -213,6 +213,34 @@ TEST_F(BootloaderDialogue, AfterAFailedOneBeginsAtTheFirstStepAgain)
 
     EXPECT_EQ(line().written(), "a");
     EXPECT_EQ(world.alerts.only(), kFinished);
+}
+
+TEST_F(BootloaderDialogue, IsForgottenWhenTheTabIsChosenAnewBeforeThePrompt)
+{
+    const TemporaryFile image("a\n");
+    beginUpdate(image.path());
+
+    chooseTab();
+    reply(">");
+
+    EXPECT_EQ(step(), BootloaderSequence::None);
+    EXPECT_EQ(line().written(), "7b");
+    EXPECT_THAT(alerts(), IsEmpty());
+    EXPECT_FALSE(isBusy());
+}
+
+TEST_F(BootloaderDialogue, IsForgottenWhenTheTabIsChosenAnewBeforeTheUpload)
+{
+    const TemporaryFile image("a\n");
+    beginUpdate(image.path());
+    reply(">");
+
+    chooseTab();
+    reply("U");
+
+    EXPECT_EQ(step(), BootloaderSequence::None);
+    EXPECT_EQ(line().written(), "7bu");
+    EXPECT_THAT(alerts(), IsEmpty());
 }
 
 TEST_F(BootloaderDialogue, WithoutAPortWaitsForAPromptThatNeverComes)

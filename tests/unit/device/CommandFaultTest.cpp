@@ -1,22 +1,29 @@
-#include "unit/device/CommandTable.h"
+#include "unit/device/ExpectedAlerts.h"
 
 using namespace vorrano;
 using namespace vorrano::device;
+using support::LanguageButton;
+using support::Way;
 
 namespace {
 
-class ACommand : public DeviceTabTest<DeviceTabController>, public testing::WithParamInterface<Command> {
+// What a device says when it says something else, nothing that is text, and what it says next.
+const std::string kGarbage = "\x01?garbage#";
+const std::string kNoText = "\xFF\xFE\xFD\n\n\r";
+const std::string kNext = "OK\n\r";
+
+class ACommand : public DeviceTabTest<DeviceTabController>, public testing::WithParamInterface<LanguageButton> {
 protected:
     ACommand() { world.plugVorrano(); }
 
     // On a fresh tab, so that one case can follow another.
     void begin()
     {
-        tab = GetParam().create();
+        tab = createTabOf(GetParam());
         tab->awakeFromNib();
         world.run();
-        for (const auto& [field, value] : GetParam().fields) {
-            EXPECT_TRUE(field == kSecurityType ? view().choose(field, value) : view().type(field, value));
+        for (const auto& [field, value, isList] : GetParam().fields) {
+            EXPECT_TRUE(isList ? view().choose(field, value) : view().type(field, value));
         }
         line().forget();
         world.alerts.forget();
@@ -31,76 +38,60 @@ protected:
         EXPECT_FALSE(isBusy());
         return alerts();
     }
-
-    [[nodiscard]] static Alerts outcomeOfSilence()
-    {
-        switch (GetParam().kind) {
-        case Kind::Request:
-            return {kTryAgain};
-        case Kind::Reset:
-            return GetParam().answered;
-        case Kind::Raw:
-            break;
-        }
-        return {};
-    }
-
-    // Of the reply's first `length` bytes in one chunk and, where there is one, the rest in another.
-    [[nodiscard]] static Alerts outcomeOf(std::size_t length, bool restFollows)
-    {
-        const auto& command = GetParam();
-        const auto beginning = command.reply.substr(0, length);
-        const auto rest = command.reply.substr(length);
-        if (command.kind == Kind::Reset) {
-            return command.answered;
-        }
-        if (command.kind == Kind::Raw) {
-            return command.shownOfChunks(restFollows ? Chunks{beginning, rest} : Chunks{beginning});
-        }
-        if (length < command.enough) {
-            return restFollows ? command.answered : Alerts{kTryAgain};
-        }
-        return {command.shown(beginning)};
-    }
 };
+
+TEST_P(ACommand, IsSentAndRemembered)
+{
+    begin();
+
+    EXPECT_EQ(isBusy(), GetParam().way == Way::Request);
+    EXPECT_EQ(tab->exchange().waitingForAck(), GetParam().waitingForAck);
+    if (GetParam().way == Way::Reset) {
+        EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
+    } else {
+        EXPECT_EQ(bytesOf(tab->exchange().queryNumber().value()), std::string(1, GetParam().command.code));
+    }
+}
 
 TEST_P(ACommand, ThatIsAnswered)
 {
     begin();
 
-    reply(GetParam().reply);
+    reply(GetParam().answer);
 
-    EXPECT_EQ(outcome(), GetParam().answered);
+    EXPECT_EQ(outcome(), alertsOfTheTable(GetParam()));
 }
 
 TEST_P(ACommand, ThatIsMetWithSilence)
 {
     begin();
 
-    EXPECT_EQ(outcome(), outcomeOfSilence());
+    EXPECT_EQ(outcome(), expectedAlerts(GetParam(), {}));
 }
 
 TEST_P(ACommand, WhoseReplyIsCutOffAtEachByte)
 {
-    for (std::size_t length = 1; length < GetParam().reply.size(); ++length) {
+    for (std::size_t length = 1; length < GetParam().answer.size(); ++length) {
+        const auto beginning = GetParam().answer.substr(0, length);
         begin();
 
-        reply(GetParam().reply.substr(0, length));
+        reply(beginning);
 
-        EXPECT_EQ(outcome(), outcomeOf(length, false)) << length;
+        EXPECT_EQ(outcome(), expectedAlerts(GetParam(), {beginning})) << length;
     }
 }
 
 TEST_P(ACommand, WhoseReplyIsSplitAtEachByte)
 {
-    for (std::size_t length = 1; length < GetParam().reply.size(); ++length) {
+    for (std::size_t length = 1; length < GetParam().answer.size(); ++length) {
+        const Chunks chunks{GetParam().answer.substr(0, length), GetParam().answer.substr(length)};
         begin();
 
-        reply(GetParam().reply.substr(0, length));
+        reply(chunks[0]);
         world.advance(100ms);
-        reply(GetParam().reply.substr(length));
+        reply(chunks[1]);
 
-        EXPECT_EQ(outcome(), outcomeOf(length, true)) << length;
+        EXPECT_EQ(outcome(), expectedAlerts(GetParam(), chunks)) << length;
     }
 }
 
@@ -108,19 +99,19 @@ TEST_P(ACommand, WhoseReplyIsLateByALittle)
 {
     begin();
 
-    line().replyAfter(1990ms, GetParam().reply);
+    line().replyAfter(1990ms, GetParam().answer);
 
-    EXPECT_EQ(outcome(), GetParam().answered);
+    EXPECT_EQ(outcome(), alertsOfTheTable(GetParam()));
 }
 
 TEST_P(ACommand, WhoseReplyIsTooLate)
 {
     begin();
 
-    line().replyAfter(2010ms, GetParam().reply);
+    line().replyAfter(2010ms, GetParam().answer);
 
-    // What comes after the time-out is nobody's; a raw command has none.
-    EXPECT_EQ(outcome(), GetParam().kind == Kind::Request ? Alerts{kTryAgain} : GetParam().answered);
+    // A request has timed out by then; nothing else has a time-out.
+    EXPECT_EQ(outcome(), GetParam().way == Way::Request ? Alerts{kTryAgain} : alertsOfTheTable(GetParam()));
 }
 
 TEST_P(ACommand, WhoseReplyIsGarbage)
@@ -129,7 +120,7 @@ TEST_P(ACommand, WhoseReplyIsGarbage)
 
     reply(kGarbage);
 
-    EXPECT_EQ(outcome(), GetParam().garbage);
+    EXPECT_EQ(outcome(), expectedAlerts(GetParam(), {kGarbage}));
 }
 
 TEST_P(ACommand, WhoseReplyIsNoUtf8)
@@ -138,16 +129,16 @@ TEST_P(ACommand, WhoseReplyIsNoUtf8)
 
     reply(kNoText);
 
-    EXPECT_EQ(outcome(), GetParam().noText);
+    EXPECT_EQ(outcome(), expectedAlerts(GetParam(), {kNoText}));
 }
 
 TEST_P(ACommand, WhoseReplyIsMergedWithTheNext)
 {
     begin();
 
-    reply(GetParam().reply + kNext);
+    reply(GetParam().answer + kNext);
 
-    EXPECT_EQ(outcome(), GetParam().merged);
+    EXPECT_EQ(outcome(), expectedAlerts(GetParam(), {GetParam().answer + kNext}));
 }
 
 TEST_P(ACommand, WhoseCableIsPulledBeforeTheReply)
@@ -158,14 +149,12 @@ TEST_P(ACommand, WhoseCableIsPulledBeforeTheReply)
     world.advance(3s);
 
     // A request's time-out has no tab to tell any more, so its progress display stays on.
-    EXPECT_EQ(alerts(), GetParam().kind == Kind::Reset ? GetParam().answered : Alerts{});
-    EXPECT_EQ(isBusy(), GetParam().kind == Kind::Request);
+    EXPECT_EQ(alerts(), GetParam().way == Way::Reset ? alertsOfTheTable(GetParam()) : Alerts{});
+    EXPECT_EQ(isBusy(), GetParam().way == Way::Request);
     EXPECT_EQ(tab->serialPort(), nullptr);
 }
 
-std::string nameOf(const testing::TestParamInfo<Command>& command) { return command.param.name; }
-
-INSTANTIATE_TEST_SUITE_P(OfTheWifiTab, ACommand, testing::ValuesIn(wifiTabCommands()), nameOf);
-INSTANTIATE_TEST_SUITE_P(OfTheUtilitiesTab, ACommand, testing::ValuesIn(utilitiesTabCommands()), nameOf);
+INSTANTIATE_TEST_SUITE_P(OfEachButton, ACommand, testing::ValuesIn(support::languageButtons()),
+                         [](const auto& button) { return button.param.testName(); });
 
 } // namespace

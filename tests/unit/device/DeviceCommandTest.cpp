@@ -1,4 +1,5 @@
 #include "device/DeviceCommand.h"
+#include "support/DeviceLanguage.h"
 
 #include <gtest/gtest.h>
 
@@ -12,32 +13,35 @@ using namespace std::string_literals;
 
 namespace {
 
-TEST(DeviceCommands, AreOneByteEach)
+std::string wordFor(Argument argument)
 {
-    const std::vector<std::pair<DeviceCommand, std::string>> table = {
-        {DeviceCommand::PowerStatus, "0"},
-        {DeviceCommand::AdcVersion, "1"},
-        {DeviceCommand::ConnectivityStatus, "2"},
-        {DeviceCommand::MacAddress, "3"},
-        {DeviceCommand::FirmwareVersion, "4"},
-        {DeviceCommand::WifiFirmwareVersion, "5"},
-        {DeviceCommand::ResetModem, "6"},
-        {DeviceCommand::ResetDevice, "7"},
-        {DeviceCommand::SetSSID, "8"},
-        {DeviceCommand::SetPassword, "9"},
-        {DeviceCommand::SetSecurityType, "a"},
-        {DeviceCommand::SetWepKey, "b"},
-        {DeviceCommand::EnterBootloader, "b"},
-        {DeviceCommand::ReadSSID, "c"},
-        {DeviceCommand::ReadPassword, "d"},
-        {DeviceCommand::SetThrottle, "e"},
-        {DeviceCommand::ReadThrottle, "f"},
-        {DeviceCommand::SetTemperatureUnit, "g"},
-        {DeviceCommand::ReadTemperatureUnit, "h"},
-        {DeviceCommand::StartUpload, "u"},
-    };
-    for (const auto& [command, bytes] : table) {
-        EXPECT_EQ(bytesOf(command), bytes);
+    switch (argument) {
+    case Argument::None:
+        return "none";
+    case Argument::FreeText:
+        return "free text";
+    case Argument::Character:
+        return "character";
+    }
+    return {};
+}
+
+TEST(TheCommands, AreThoseOfTheDevicesLanguageToTheLetter)
+{
+    const auto& language = vorrano::support::languageCommands();
+    ASSERT_EQ(kCommands.size(), language.size());
+    for (std::size_t at = 0; at < kCommands.size(); ++at) {
+        const auto& command = kCommands[at];
+        SCOPED_TRACE(language[at].name);
+
+        EXPECT_EQ(command.name, language[at].name);
+        EXPECT_EQ(bytesOf(command.command), std::string(1, language[at].code));
+        EXPECT_EQ(wordFor(command.argument), language[at].argument);
+        ASSERT_EQ(command.replyTest.has_value(), language[at].reply.has_value());
+        if (command.replyTest) {
+            EXPECT_EQ(command.replyTest->shortest, language[at].reply->shortest);
+            EXPECT_EQ(command.replyTest->end, language[at].reply->end);
+        }
     }
 }
 
@@ -109,61 +113,61 @@ TEST(AThrottle, IsReadMultipliedByOneAndAHalfAndRoundedHalfAwayFromZero)
 }
 
 struct ReplyCase {
+    ReplyTest test;
     std::string received;
-    bool complete;
+    bool isWhole;
 };
 
-using Cases = std::vector<ReplyCase>;
+class AReply : public testing::TestWithParam<ReplyCase> {};
 
-void expectAnswers(const vorrano::serial::ResponseEvaluator& test, const Cases& cases)
+TEST_P(AReply, IsWholeWhenEnoughHasComeAndEndsAsItMust)
 {
-    for (const auto& [received, complete] : cases) {
-        EXPECT_EQ(test(received), complete) << testing::PrintToString(received);
-    }
+    EXPECT_EQ(GetParam().test.isWhole(GetParam().received), GetParam().isWhole);
 }
 
-TEST(AReplyTest, OfFourBytesLooksAtTheLengthOnly)
-{
-    expectAnswers(atLeastFourBytes(), {{"", false}, {"OK\n", false}, {"OK\n\r", true}, {"\0\0\0\0"s, true}});
-}
+INSTANTIATE_TEST_SUITE_P(OfFourBytes, AReply,
+                         testing::Values(ReplyCase{kAtLeastFourBytes, "", false},
+                                         ReplyCase{kAtLeastFourBytes, "OK\n", false},
+                                         ReplyCase{kAtLeastFourBytes, "OK\n\r", true},
+                                         ReplyCase{kAtLeastFourBytes, "\0\0\0\0"s, true}));
+INSTANTIATE_TEST_SUITE_P(OfTheMacPacket, AReply,
+                         testing::Values(ReplyCase{kMacPacket, std::string(18, 'x'), false},
+                                         ReplyCase{kMacPacket, std::string(19, 'x'), true}));
+INSTANTIATE_TEST_SUITE_P(
+    OfTheTripleTerminator, AReply,
+    testing::Values(ReplyCase{kTripleTerminator, "", false}, ReplyCase{kTripleTerminator, "\n\n\r", false},
+                    ReplyCase{kTripleTerminator, "x\n\n\r", true}, ReplyCase{kTripleTerminator, "Net\n\r", false},
+                    ReplyCase{kTripleTerminator, "Net\n\n\r", true}, ReplyCase{kTripleTerminator, "Net\n\n\rx", false},
+                    ReplyCase{kTripleTerminator, "\xFF\n\n\r", true}));
+INSTANTIATE_TEST_SUITE_P(OfTheDoubleTerminator, AReply,
+                         testing::Values(ReplyCase{kDoubleTerminator, "", false},
+                                         ReplyCase{kDoubleTerminator, "1\n\r", false},
+                                         ReplyCase{kDoubleTerminator, "OK\n\r", true},
+                                         ReplyCase{kDoubleTerminator, "x\n\n\r", true},
+                                         ReplyCase{kDoubleTerminator, "OK\n\rx", false}));
+INSTANTIATE_TEST_SUITE_P(ThatIsNotAwaited, AReply,
+                         testing::Values(ReplyCase{kAlways, "", true}, ReplyCase{kAlways, "x", true}));
 
-TEST(AReplyTest, OfTheMacPacketAsksForNineteenBytes)
-{
-    expectAnswers(macPacket(), {{std::string(18, 'x'), false}, {std::string(19, 'x'), true}});
-}
-
-TEST(AReplyTest, OfTheTripleTerminatorAsksForFourBytesEndingInIt)
-{
-    expectAnswers(tripleTerminator(4), {{"", false},
-                                        {"\n\n\r", false},
-                                        {"x\n\n\r", true},
-                                        {"Net\n\r", false},
-                                        {"Net\n\n\r", true},
-                                        {"Net\n\n\rx", false},
-                                        {"\xFF\n\n\r", true}});
-}
-
-TEST(AReplyTest, OfTheTripleTerminatorKnowsItsMinimum)
-{
-    expectAnswers(tripleTerminator(6), {{"xx\n\n\r", false}, {"xxx\n\n\r", true}});
-    expectAnswers(tripleTerminator(0), {{"", false}, {"\n\r", false}, {"\n\n\r", true}});
-}
-
-TEST(AReplyTest, OfTheDoubleTerminatorAsksForFourBytesEndingInIt)
-{
-    expectAnswers(doubleTerminator(),
-                  {{"", false}, {"1\n\r", false}, {"OK\n\r", true}, {"x\n\n\r", true}, {"OK\n\rx", false}});
-}
-
-TEST(AReplyTest, ThatAlwaysPassesPassesOnNothing) { expectAnswers(always(), {{"", true}, {"x", true}}); }
-
-// However a reply is cut, it is complete with its last byte and no earlier.
-TEST(AReplyTest, OfATerminatorPassesAtTheLastByteOnly)
+// However a reply is cut, it is whole with its last byte and no earlier.
+TEST(AReplyWithATerminator, IsWholeAtItsLastByteOnly)
 {
     const std::string reply = "My$Home\nNet\n\n\r";
     for (std::size_t length = 0; length <= reply.size(); ++length) {
-        EXPECT_EQ(tripleTerminator(4)(reply.substr(0, length)), length == reply.size()) << length;
+        EXPECT_EQ(kTripleTerminator.isWhole(reply.substr(0, length)), length == reply.size()) << length;
     }
+}
+
+TEST(AnEvaluator, AsksTheReplyTestOfItsCommand)
+{
+    const auto evaluator = evaluatorOf(DeviceCommand::MacAddress);
+
+    EXPECT_FALSE(evaluator(std::string(18, 'x')));
+    EXPECT_TRUE(evaluator(std::string(19, 'x')));
+}
+
+TEST(AnEvaluator, IsNoneForACommandWhoseChunksAreAnswersByThemselves)
+{
+    EXPECT_FALSE(evaluatorOf(DeviceCommand::FirmwareVersion));
 }
 
 } // namespace

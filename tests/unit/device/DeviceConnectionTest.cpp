@@ -11,8 +11,29 @@ namespace {
 
 // The connection that all of the device's tabs have alike, in one of them.
 struct DeviceConnection : DeviceTabTest<WifiSetupViewController> {
-    [[nodiscard]] bool saysThatNoVorranoIsConnected() { return !view().isHidden("noVorranoConnectedLabel"); }
+    // What the notice says; none while it is hidden.
+    [[nodiscard]] std::optional<std::string> notice()
+    {
+        const auto* const label = "connectionNoticeLabel";
+        return view().isHidden(label) ? std::nullopt : std::optional(view().labelText(label));
+    }
 };
+
+// The operations that no person can ask for.
+struct OpenTab : WifiSetupViewController {
+    using WifiSetupViewController::displayAlertWithMessage;
+    using WifiSetupViewController::initializeSerialPortForCommunication;
+    using WifiSetupViewController::m_exchange;
+    using WifiSetupViewController::setSerialPort;
+
+    static std::shared_ptr<OpenTab> create() { return std::make_shared<OpenTab>(); }
+};
+
+struct ATabByItself : DeviceTabTest<OpenTab> {};
+
+const std::string kNoVorrano = "No Vorrano is connected. Plug it in with its USB cable.";
+const std::string kOtherVorrano =
+    "The Vorrano in use was unplugged. Another one is connected: choose this tab again to use it.";
 
 TEST_F(DeviceConnection, TakesTheFirstPortWhosePathNamesAVorrano)
 {
@@ -21,7 +42,6 @@ TEST_F(DeviceConnection, TakesTheFirstPortWhosePathNamesAVorrano)
 
     chooseTab();
 
-    EXPECT_EQ(tab->indexOfDevice(), 1U);
     EXPECT_EQ(tab->serialPort()->path(), "/dev/cu.usbserial-A1B2");
     EXPECT_TRUE(vorrano.isOpen());
     EXPECT_EQ(world.terminal.openDescriptors(), 1U);
@@ -34,7 +54,6 @@ TEST_F(DeviceConnection, DoesNotTakeADialInPathForAVorranos)
 
     chooseTab();
 
-    EXPECT_EQ(tab->indexOfDevice(), 0U);
     EXPECT_TRUE(first.isOpen());
 }
 
@@ -45,7 +64,7 @@ TEST_F(DeviceConnection, FindsTheNameAnywhereInThePath)
 
     chooseTab();
 
-    EXPECT_EQ(tab->indexOfDevice(), 1U);
+    EXPECT_EQ(tab->serialPort()->path(), "/net/dev/cu.usbserial-A1B2");
 }
 
 TEST_F(DeviceConnection, NeverTakesASecondVorrano)
@@ -160,7 +179,7 @@ TEST_F(DeviceConnection, LosesWhatIsSentWithoutAPortAndStaysBusy)
     world.advance(10s);
 
     EXPECT_EQ(vorrano.written(), "");
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::ReadSSID);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::ReadSSID);
     EXPECT_TRUE(isBusy());
     EXPECT_THAT(alerts(), IsEmpty());
 }
@@ -192,7 +211,7 @@ TEST_F(DeviceConnection, WithoutAnyPortActsAsAfterItsRemoval)
     view().type("SSID", "Net");
     press("saveSSIDButton");
     world.advance(10s);
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::SetSSID);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::SetSSID);
     EXPECT_TRUE(isBusy());
     EXPECT_THAT(alerts(), IsEmpty());
 
@@ -202,7 +221,7 @@ TEST_F(DeviceConnection, WithoutAnyPortActsAsAfterItsRemoval)
     EXPECT_THAT(world.log.lines(), IsEmpty());
 }
 
-TEST_F(DeviceConnection, LetsItsPortGoWhenItIsMadeAnewFromAnEmptyList)
+TEST_F(ATabByItself, LetsItsPortGoWhenItIsMadeAnewFromAnEmptyList)
 {
     auto& vorrano = chooseTabWithVorrano();
     serial::SerialPortManager::sharedSerialPortManager()->setAvailablePorts({});
@@ -218,46 +237,111 @@ TEST_F(DeviceConnection, SaysWhenNoVorranoIsConnected)
     world.plugSerialDevice("/dev/ttyS0");
 
     chooseTab();
-    EXPECT_TRUE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), kNoVorrano);
 
     auto& vorrano = world.plugVorrano();
     world.run();
-    EXPECT_FALSE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), std::nullopt);
 
     world.unplug(vorrano);
     world.advance(200ms);
-    EXPECT_TRUE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), kNoVorrano);
 }
 
-TEST_F(DeviceConnection, SaysNothingOfTheKindWhileAVorranoIsListed)
+TEST_F(DeviceConnection, SaysNothingWhileItsVorranoIsListed)
 {
     chooseTabWithVorrano();
 
-    EXPECT_FALSE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), std::nullopt);
 }
 
 TEST_F(DeviceConnection, SaysThatNoVorranoIsConnectedWhereThereIsNoPortAtAll)
 {
     chooseTab();
 
-    EXPECT_TRUE(saysThatNoVorranoIsConnected());
+    EXPECT_EQ(notice(), kNoVorrano);
 }
 
-TEST_F(DeviceConnection, EmptiesTheIncomingBufferWhenItIsMadeAnew)
+TEST_F(DeviceConnection, SaysHowToUseTheOtherVorranoWhenTheOneInUseIsUnplugged)
 {
-    struct Gathering : WifiSetupViewController {
-        void gather() { m_incomingDataBuffer = "old"; }
-    };
-    world.plugVorrano();
-    const auto gathering = std::make_shared<Gathering>();
-    gathering->gather();
+    auto& first = world.plugVorrano("A1B2");
+    world.plugVorrano("C3D4");
+    chooseTab();
 
-    gathering->initializeSerialPortForCommunication();
+    world.unplug(first);
+    world.advance(200ms);
 
-    EXPECT_EQ(gathering->incomingDataBuffer(), "");
+    EXPECT_EQ(tab->serialPort(), nullptr);
+    EXPECT_EQ(notice(), kOtherVorrano);
 }
 
-TEST_F(DeviceConnection, DoesNothingWhenTheSamePortIsSetAgain)
+TEST_F(DeviceConnection, SaysHowToUseTheOtherVorranoAlsoToAPersonWhosePressDimsTheTab)
+{
+    auto& first = world.plugVorrano("A1B2");
+    world.plugVorrano("C3D4");
+    chooseTab();
+    world.unplug(first);
+    world.advance(200ms);
+
+    press("buttonCheckSSID");
+    world.advance(10s);
+
+    EXPECT_TRUE(isBusy());
+    EXPECT_EQ(notice(), kOtherVorrano);
+}
+
+TEST_F(DeviceConnection, UsesTheOtherVorranoWhenTheTabIsChosenAgain)
+{
+    auto& first = world.plugVorrano("A1B2");
+    auto& second = world.plugVorrano("C3D4");
+    chooseTab();
+    world.unplug(first);
+    world.advance(200ms);
+
+    chooseTab();
+
+    EXPECT_TRUE(second.isOpen());
+    EXPECT_EQ(notice(), std::nullopt);
+}
+
+TEST_F(DeviceConnection, SaysNothingWhenAVorranoThatIsNotInUseIsUnplugged)
+{
+    world.plugVorrano("A1B2");
+    auto& second = world.plugVorrano("C3D4");
+    chooseTab();
+
+    world.unplug(second);
+    world.advance(200ms);
+
+    EXPECT_EQ(notice(), std::nullopt);
+}
+
+TEST_F(DeviceConnection, TakesTheOtherVorranoWithTheNextSerialDeviceThatIsPluggedIn)
+{
+    auto& first = world.plugVorrano("A1B2");
+    auto& second = world.plugVorrano("C3D4");
+    chooseTab();
+    world.unplug(first);
+    world.advance(200ms);
+
+    world.plugSerialDevice("/dev/ttyS0");
+    world.run();
+
+    EXPECT_TRUE(second.isOpen());
+    EXPECT_EQ(notice(), std::nullopt);
+}
+
+TEST_F(ATabByItself, EmptiesTheIncomingBufferWhenItIsMadeAnew)
+{
+    chooseTabWithVorrano();
+    tab->m_exchange.receiveChunk("old");
+
+    tab->initializeSerialPortForCommunication();
+
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), "");
+}
+
+TEST_F(ATabByItself, DoesNothingWhenTheSamePortIsSetAgain)
 {
     chooseTabWithVorrano();
 
@@ -280,7 +364,7 @@ TEST_F(DeviceConnection, TimesOutOnAPortThatSomebodyElseHasOpen)
     EXPECT_FALSE(isBusy());
 }
 
-TEST_F(DeviceConnection, SurvivesAPortThatIsGoneBeforeItIsTaken)
+TEST_F(ATabByItself, SurvivesAPortThatIsGoneBeforeItIsTaken)
 {
     world.plugVorrano();
     chooseTab();
@@ -309,7 +393,7 @@ TEST_F(DeviceConnection, SleepsAndWakesWithTheComputer)
     EXPECT_EQ(::cfgetospeed(&vorrano.attributes().record), speed_t{B9600});
 }
 
-TEST_F(DeviceConnection, ShowsNoAlertForAnAbsentMessage)
+TEST_F(ATabByItself, ShowsNoAlertForAnAbsentMessage)
 {
     chooseTab();
 

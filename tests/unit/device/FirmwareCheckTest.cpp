@@ -31,8 +31,8 @@ TEST_F(FirmwareCheck, AsksTheDeviceForItsVersionAfterYes)
     beginCheck();
 
     EXPECT_THAT(writes(), ElementsAre("4"));
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::FirmwareVersion);
-    EXPECT_TRUE(tab->waitingForAck());
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::FirmwareVersion);
+    EXPECT_TRUE(tab->exchange().waitingForAck());
     EXPECT_TRUE(tab->firmwareUpdate().readVersion());
     EXPECT_TRUE(isBusy());
 }
@@ -58,6 +58,48 @@ TEST_F(FirmwareCheck, WaitsForeverForADeviceThatIsSilent)
     EXPECT_TRUE(isBusy());
 }
 
+TEST_F(FirmwareCheck, LeavesTheAnswerToAnotherQueryThatIsPressedBeforeIt)
+{
+    beginCheck();
+    press("buttonADC");
+
+    reply("9.5\n\r");
+
+    EXPECT_EQ(tab->replies().adcNumber(), "9.5\n\r");
+    EXPECT_THAT(world.urlFetch.requests(), IsEmpty());
+    EXPECT_THAT(alerts(), IsEmpty());
+    EXPECT_TRUE(tab->firmwareUpdate().readVersion());
+    EXPECT_TRUE(isBusy());
+}
+
+TEST_F(FirmwareCheck, LeavesTheAnswerToAnotherRequestThatIsPressedBeforeIt)
+{
+    beginCheck();
+    press("buttonPowerStatus");
+
+    reply("9.5\n\r");
+
+    EXPECT_EQ(world.alerts.only(), alertOf("9.5\n\r", "Success"));
+    EXPECT_THAT(world.urlFetch.requests(), IsEmpty());
+    EXPECT_TRUE(tab->firmwareUpdate().readVersion());
+    EXPECT_FALSE(isBusy());
+}
+
+TEST_F(FirmwareCheck, ThatLostItsAnswerToAnotherQueryGoesOnWithTheNextFirmwareVersion)
+{
+    beginCheck();
+    press("buttonADC");
+    reply("9.5\n\r");
+    world.urlFetch.answer(answerOf("9.5"));
+
+    press("buttonFirmwareVersion");
+    reply("9.5\n\r");
+
+    EXPECT_EQ(world.alerts.only(), kUpToDate);
+    EXPECT_FALSE(tab->firmwareUpdate().readVersion());
+    EXPECT_FALSE(isBusy());
+}
+
 TEST_F(FirmwareCheck, OfEqualVersionsSaysThatThereIsNoNeedToUpdate)
 {
     beginCheck();
@@ -70,7 +112,7 @@ TEST_F(FirmwareCheck, OfEqualVersionsSaysThatThereIsNoNeedToUpdate)
     EXPECT_THAT(world.urlFetch.requests(), ElementsAre(kAddress + "9"));
     EXPECT_FALSE(isBusy());
     EXPECT_FALSE(tab->firmwareUpdate().readVersion());
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_F(FirmwareCheck, OfANewerVersionLeadsToTheUpdate)
@@ -221,7 +263,7 @@ TEST_P(AShortAnswer, IsARangeErrorThatLeavesEverythingAsItWas)
     EXPECT_EQ(world.log.lines().size(), 1U);
     EXPECT_THAT(world.pause.pauses(), ElementsAre(500ms, 500ms));
     EXPECT_TRUE(tab->firmwareUpdate().readVersion());
-    EXPECT_EQ(tab->receivedString(), GetParam().version);
+    EXPECT_EQ(tab->exchange().receivedString(), GetParam().version);
     EXPECT_TRUE(isBusy());
 }
 

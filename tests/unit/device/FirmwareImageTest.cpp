@@ -46,6 +46,14 @@ TEST(AFirmwareImage, IsReadAsItStands)
     EXPECT_EQ(readFirmwareImage(file.path()), ":00\r\n\0\u00E9\n"s);
 }
 
+TEST(AFirmwareImage, KeepsItsByteOrderMark)
+{
+    const TemporaryFile file("\uFEFF:0");
+
+    EXPECT_EQ(readFirmwareImage(file.path()), "\uFEFF:0");
+    EXPECT_EQ(charactersOfLine("\uFEFF:0"), (Characters{"\u00FF", ":", "0"}));
+}
+
 TEST(AFirmwareImage, ThatIsEmptyIsAnEmptyText)
 {
     const TemporaryFile file("");
@@ -68,6 +76,20 @@ TEST(AFirmwareImage, ThatIsGoneThrowsWithoutNamingIt)
     } catch (const std::runtime_error& error) {
         EXPECT_EQ(std::string(error.what()).find("secret"), std::string::npos);
     }
+}
+
+TEST(AFirmwareImage, ThatMayNotBeReadThrows)
+{
+    const TemporaryFile file(":00\n");
+    const AccessDenied denied(file.path());
+
+    EXPECT_THROW(static_cast<void>(readFirmwareImage(file.path())), std::runtime_error);
+}
+
+// A process' own memory opens like a file, and has nothing at its beginning.
+TEST(AFirmwareImage, ThatFailsWhileItIsReadThrows)
+{
+    EXPECT_THROW(static_cast<void>(readFirmwareImage("/proc/self/mem")), std::runtime_error);
 }
 
 TEST(AFirmwareImage, ThatIsAFolderThrows)

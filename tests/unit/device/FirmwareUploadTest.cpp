@@ -50,6 +50,15 @@ TEST_F(FirmwareUpload, SendsTheLow8BitsOfACharacterBeyondAscii)
     EXPECT_THAT(writes(), ElementsAre("\xC3\xA9", "\xC2\xAC"));
 }
 
+TEST_F(FirmwareUpload, SendsAByteOrderMarkLikeAnyOtherCharacter)
+{
+    const TemporaryFile image("\uFEFF:0");
+
+    upload(image.path());
+
+    EXPECT_THAT(writes(), ElementsAre("\u00FF", ":", "0"));
+}
+
 TEST_F(FirmwareUpload, OfAnEmptyFileIsOnePause)
 {
     const TemporaryFile image("");
@@ -90,6 +99,18 @@ TEST_F(FirmwareUpload, OfAFolderIsAProblemAndFinished)
     upload("/");
 
     EXPECT_THAT(alerts(), ElementsAre(kProblemWithImage, kFinished));
+}
+
+TEST_F(FirmwareUpload, OfAFileThatMayNotBeReadIsAProblemAndFinished)
+{
+    const TemporaryFile image(":0\n");
+    const AccessDenied denied(image.path());
+
+    upload(image.path());
+
+    EXPECT_THAT(writes(), IsEmpty());
+    EXPECT_THAT(alerts(), ElementsAre(kProblemWithImage, kFinished));
+    EXPECT_FALSE(isBusy());
 }
 
 TEST_F(FirmwareUpload, ThatThrowsInTheImageIsAProblemAndFinished)
@@ -158,6 +179,59 @@ TEST_F(FirmwareUpload, TakesNoInputUntilItsEnd)
 
     EXPECT_EQ(line().written(), "7buab");
     EXPECT_EQ(view().text("setSSID"), "");
+}
+
+TEST_F(FirmwareUpload, KeepsTheComputerAwakeUntilItsEnd)
+{
+    const TemporaryFile image("a\nb");
+    beginUpdate(image.path());
+    reply(">");
+    EXPECT_FALSE(world.stayAwake.isOn());
+    std::vector<bool> awake;
+    for (int pause = 0; pause < 2; ++pause) {
+        world.pause.whilePaused([&] { awake.push_back(world.stayAwake.isOn()); });
+    }
+    world.alerts.whileUp([&] { awake.push_back(world.stayAwake.isOn()); });
+
+    reply("U");
+
+    EXPECT_THAT(awake, ElementsAre(true, true, false));
+    EXPECT_THAT(world.stayAwake.reasons(), ElementsAre("The firmware of the Vorrano is being updated"));
+}
+
+TEST_F(FirmwareUpload, LetsTheComputerSleepAgainWhenItThrowsInTheImage)
+{
+    const TemporaryFile image("ab\ncd\n");
+    beginUpdate(image.path());
+    reply(">");
+    throwOnWrite("c");
+    world.alerts.whileUp([this] { EXPECT_FALSE(world.stayAwake.isOn()) << "while the problem is shown"; });
+
+    reply("U");
+
+    EXPECT_EQ(world.stayAwake.reasons().size(), 1U);
+    EXPECT_FALSE(world.stayAwake.isOn());
+}
+
+TEST_F(FirmwareUpload, LetsTheComputerSleepAgainWhenTheImageCannotBeRead)
+{
+    beginUpdate("/nowhere/vorrano.hex");
+    reply(">");
+    world.alerts.whileUp([this] { EXPECT_FALSE(world.stayAwake.isOn()) << "while the problem is shown"; });
+
+    reply("U");
+
+    EXPECT_THAT(alerts(), ElementsAre(kProblemWithImage, kFinished));
+    EXPECT_FALSE(world.stayAwake.isOn());
+}
+
+TEST_F(FirmwareUpload, LetsTheComputerSleepAgainWhenTheImageIsNoUtf8)
+{
+    const TemporaryFile image("\xFF");
+
+    upload(image.path());
+
+    EXPECT_FALSE(world.stayAwake.isOn());
 }
 
 TEST_F(FirmwareUpload, PacesAnImageOf2000LinesByItsPauses)

@@ -1,6 +1,6 @@
 #include "device/FirmwareVersion.h"
 
-#include "app/session/Text.h"
+#include "text/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -22,12 +22,6 @@ TEST(WholeVersion, IsTheFloor)
     EXPECT_EQ(wholeVersion(0), 0);
     EXPECT_EQ(wholeVersion(-0.5), -1);
     EXPECT_EQ(wholeVersion(1e300), std::numeric_limits<std::int32_t>::max());
-}
-
-TEST(LatestFirmwareAddress, EndsWithTheWholeVersion)
-{
-    EXPECT_EQ(latestFirmwareAddress("https://service.example/", 12), "https://service.example/GetLatestFirmware/12");
-    EXPECT_EQ(latestFirmwareAddress("https://service.example/", -1), "https://service.example/GetLatestFirmware/-1");
 }
 
 struct VersionCase {

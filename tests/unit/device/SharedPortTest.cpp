@@ -35,7 +35,24 @@ TEST_F(SharedPort, TellsOnlyTheTabThatTookThePortLast)
 
     // The second tab never asked, so it knows of no spaces.
     EXPECT_EQ(world.alerts.only(), alertOf("My$Net\n\n\r", "Success"));
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
+}
+
+TEST_F(SharedPort, IsReportedUnpluggedOnEachTabThatSharedIt)
+{
+    auto& vorrano = world.plugVorrano("A1B2");
+    world.plugVorrano("C3D4");
+    chooseTab();
+    const auto second = WifiSetupViewController::create();
+    second->awakeFromNib();
+    const std::string label = "connectionNoticeLabel";
+
+    world.unplug(vorrano);
+    world.advance(200ms);
+
+    // The first tab is not the port's delegate; it learns of the removal from the list.
+    EXPECT_FALSE(view().isHidden(label));
+    EXPECT_EQ(view().labelText(label), static_cast<FakeView&>(*second->view()).labelText(label));
 }
 
 TEST_F(SharedPort, IsLeftAloneByTheEndOfItsTab)

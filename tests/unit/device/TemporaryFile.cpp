@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include <stdlib.h>
+#include <sys/fsuid.h>
 #include <unistd.h>
 
 namespace vorrano::device {
@@ -25,5 +26,20 @@ TemporaryFile::~TemporaryFile()
     std::error_code ignored;
     std::filesystem::remove(m_path, ignored);
 }
+
+AccessDenied::AccessDenied(const std::filesystem::path& file)
+{
+    std::filesystem::permissions(file, std::filesystem::perms::none);
+    constexpr uid_t kNobody = 65534;
+    if (::geteuid() == 0) {
+        ::setfsuid(kNobody);
+        // It reports no failure; asked for what is no user it only answers.
+        if (static_cast<uid_t>(::setfsuid(static_cast<uid_t>(-1))) != kNobody) {
+            throw std::runtime_error("root may not access files as another user");
+        }
+    }
+}
+
+AccessDenied::~AccessDenied() { ::setfsuid(::geteuid()); }
 
 } // namespace vorrano::device

@@ -19,4 +19,14 @@ private:
     std::filesystem::path m_path;
 };
 
+// Nobody may read that file while the object lives, not even root: file accesses of this thread are then those of an
+// ordinary user.
+class AccessDenied {
+public:
+    explicit AccessDenied(const std::filesystem::path& file);
+    AccessDenied(const AccessDenied&) = delete;
+    AccessDenied& operator=(const AccessDenied&) = delete;
+    ~AccessDenied();
+};
+
 } // namespace vorrano::device

@@ -1,3 +1,4 @@
+#include "support/DeviceLanguage.h"
 #include "unit/device/UtilitiesTabTest.h"
 
 using namespace vorrano;
@@ -15,7 +16,7 @@ TEST_F(UtilitiesRouting, ShowsNothingOfWhatIsSentUnasked)
     reply("Vorrano ready\n\r");
 
     EXPECT_THAT(alerts(), IsEmpty());
-    EXPECT_EQ(tab->receivedString(), "Vorrano ready\n\r");
+    EXPECT_EQ(tab->exchange().receivedString(), "Vorrano ready\n\r");
 }
 
 TEST_F(UtilitiesRouting, KeepsEachChunkAloneAndAllBytesTogether)
@@ -23,8 +24,8 @@ TEST_F(UtilitiesRouting, KeepsEachChunkAloneAndAllBytesTogether)
     reply("one");
     reply("two\xFF");
 
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
-    EXPECT_EQ(tab->incomingDataBuffer(), "onetwo\xFF");
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), "onetwo\xFF");
 }
 
 TEST_F(UtilitiesRouting, ShowsTheTemperatureUnit)
@@ -83,11 +84,11 @@ TEST_F(UtilitiesRouting, ShowsAFirmwareVersionOfSixCharactersAndNotOfFive)
 
     reply("9.5\n\r");
     EXPECT_THAT(alerts(), IsEmpty());
-    EXPECT_EQ(tab->receivedString(), "9.5\n\r");
+    EXPECT_EQ(tab->exchange().receivedString(), "9.5\n\r");
     reply("9.50\n\r");
 
     EXPECT_EQ(world.alerts.only(), alertOf("9.50\n\r", "Device Firmware Version"));
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_F(UtilitiesRouting, ShowsAWifiFirmwareVersionOfThirteenCharactersAndNotOfTwelve)
@@ -99,7 +100,7 @@ TEST_F(UtilitiesRouting, ShowsAWifiFirmwareVersionOfThirteenCharactersAndNotOfTw
     reply("WF200 2.1.7\n\r");
 
     EXPECT_EQ(world.alerts.only(), alertOf("WF200 2.1.7\n\r", "Wifi Firmware Version"));
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_F(UtilitiesRouting, CountsAVersionsCharactersInUtf16)
@@ -122,7 +123,7 @@ class Gathering : public UtilitiesRouting, public testing::WithParamInterface<Ga
 protected:
     [[nodiscard]] const std::optional<std::string>& gathered() const
     {
-        return GetParam().informativeText == kAdc ? tab->adcNumber() : tab->connectivityStatus();
+        return GetParam().informativeText == kAdc ? tab->replies().adcNumber() : tab->replies().connectivityStatus();
     }
     [[nodiscard]] Alert shown(const std::string& text) const { return alertOf(text, GetParam().informativeText); }
 };
@@ -136,7 +137,7 @@ TEST_P(Gathering, ShowsNoAlertForAReplyInOneChunk)
     EXPECT_THAT(alerts(), IsEmpty());
     EXPECT_THAT(world.log.lines(), ElementsAre("The string is Connected\n\r"));
     EXPECT_EQ(gathered(), "Connected\n\r");
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_P(Gathering, ShowsBothChunksJoinedWithTheSecond)
@@ -257,35 +258,37 @@ TEST_F(UtilitiesRouting, TakesWhatTheDeviceSaysAfterAResetForAFirmwareVersion)
     EXPECT_EQ(world.alerts.only(), alertOf("Modem ready\n\r", "Device Firmware Version"));
 }
 
-struct SilentCase {
-    std::string button;
-    std::string reply;
-};
-
 // A response passes through the data callback too, under its own command.
-class AResponseAsData : public UtilitiesRouting, public testing::WithParamInterface<SilentCase> {};
+class AResponseAsData : public UtilitiesRouting, public testing::WithParamInterface<support::LanguageButton> {
+public:
+    static std::vector<support::LanguageButton> buttons()
+    {
+        std::vector<support::LanguageButton> requests;
+        for (const auto& button : support::languageButtons()) {
+            if (button.screen == "UtilitiesViewController" && button.way == support::Way::Request) {
+                requests.push_back(button);
+            }
+        }
+        return requests;
+    }
+};
 
 TEST_P(AResponseAsData, ShowsNothingBesidesTheResponse)
 {
-    type("setSSID", "Net");
-    type("setPassword", "secret");
-    type("setThrottleTextField", "45");
+    for (const auto& [field, value, isList] : GetParam().fields) {
+        type(field, value);
+    }
     press(GetParam().button);
 
-    reply(GetParam().reply);
+    reply(GetParam().answer);
 
     EXPECT_EQ(alerts().size(), 1U);
-    EXPECT_EQ(tab->incomingDataBuffer(), GetParam().reply);
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), GetParam().answer);
     EXPECT_THAT(world.log.lines(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Of, AResponseAsData,
-    testing::Values(SilentCase{"buttonPowerStatus", "Power OK\n\r"},
-                    SilentCase{"buttonMacAddress", "00:1B:44:11:3A:B7\n\r"},
-                    SilentCase{"buttonGetSSID", "My$Net\n\n\r"}, SilentCase{"buttonGetNetworkPassword", "secret\n\n\r"},
-                    SilentCase{"buttonGetThrottle", "30\n\r"}, SilentCase{"buttonSetSSID", "OK\n\r"},
-                    SilentCase{"buttonSetPassword", "OK\n\r"}, SilentCase{"buttonSetThrottle", "OK\n\r"}));
+INSTANTIATE_TEST_SUITE_P(OfEachRequest, AResponseAsData, testing::ValuesIn(AResponseAsData::buttons()),
+                         [](const auto& button) { return button.param.testName(); });
 
 TEST_F(UtilitiesRouting, ReadsAnOlderReplyByTheLaterCommand)
 {

@@ -9,45 +9,6 @@ const std::string kSSIDHasDollarSign =
     "SSID cannot have a '$' sign. You will need to change your routers Wifi SSID to not include the '$' sign";
 const Alert kInvalidThrottle = alertOf("Invalid Throttle Value", "Throttle should be between 20 and 90");
 
-// What a press of each button sends, remembers and shows, before any reply.
-struct ActionCase {
-    std::string button;
-    std::vector<std::string> writes;
-    std::optional<DeviceCommand> queryNumber;
-    bool isBusy;
-    bool waitingForAck;
-};
-
-void PrintTo(const ActionCase& action, std::ostream* out) { *out << action.button; }
-
-class UtilitiesTabAction : public UtilitiesTab, public testing::WithParamInterface<ActionCase> {};
-
-TEST_P(UtilitiesTabAction, SendsItsCommand)
-{
-    press(GetParam().button);
-
-    EXPECT_EQ(writes(), GetParam().writes);
-    EXPECT_EQ(tab->queryNumber(), GetParam().queryNumber);
-    EXPECT_EQ(isBusy(), GetParam().isBusy);
-    EXPECT_EQ(tab->waitingForAck(), GetParam().waitingForAck);
-    EXPECT_THAT(alerts(), IsEmpty());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Each, UtilitiesTabAction,
-    testing::Values(
-        ActionCase{"buttonPowerStatus", {"0"}, DeviceCommand::PowerStatus, true, false},
-        ActionCase{"buttonMacAddress", {"3"}, DeviceCommand::MacAddress, true, false},
-        ActionCase{"buttonFirmwareVersion", {"4"}, DeviceCommand::FirmwareVersion, false, true},
-        ActionCase{"wifiFirmwareQuery", {"5"}, DeviceCommand::WifiFirmwareVersion, false, true},
-        ActionCase{"buttonGetSSID", {"c"}, DeviceCommand::ReadSSID, true, false},
-        ActionCase{"buttonGetNetworkPassword", {"d"}, DeviceCommand::ReadPassword, true, false},
-        ActionCase{"buttonADC", {"1"}, DeviceCommand::AdcVersion, false, true},
-        ActionCase{"buttonNetworkConnectivityStatus", {"2"}, DeviceCommand::ConnectivityStatus, false, false},
-        ActionCase{"buttonGetThrottle", {"f"}, DeviceCommand::ReadThrottle, true, false},
-        ActionCase{"buttonGetTemperatureUnit", {"h"}, DeviceCommand::ReadTemperatureUnit, false, true},
-        ActionCase{"buttonSetTemperatureUnit", {"g", "\x01"}, DeviceCommand::SetTemperatureUnit, false, true}));
-
 TEST_F(UtilitiesTab, OffersTheTemperatureUnitsAndShowsTheSecond)
 {
     EXPECT_THAT(view().items("temperatureDisplayUnitButton"), ElementsAre("Fahrenheit", "Celsius"));
@@ -134,7 +95,7 @@ TEST_F(UtilitiesTab, SendsAnSSIDOf32Characters)
 
     EXPECT_THAT(writes(), ElementsAre("8", std::string(30, 'x') + "$y", "\0"s));
     EXPECT_TRUE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::SetSSID);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::SetSSID);
     reply("OK\n\r");
     EXPECT_EQ(world.alerts.only(), alertOf("OK\n\r", "Success"));
 }
@@ -166,7 +127,7 @@ TEST_F(UtilitiesTab, RefusesAnSSIDWithADollarSign)
 
     EXPECT_EQ(world.alerts.only(), error(kSSIDHasDollarSign));
     EXPECT_THAT(writes(), IsEmpty());
-    EXPECT_EQ(tab->queryNumber(), std::nullopt);
+    EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
 }
 
 TEST_F(UtilitiesTab, SendsAPasswordOf64CharactersWithItsDollarSignsAndSpaces)
@@ -215,7 +176,7 @@ TEST_P(UtilitiesTabThrottle, IsSentAsOneByte)
 
     EXPECT_THAT(writes(), ElementsAre("e", GetParam().byte));
     EXPECT_TRUE(isBusy());
-    EXPECT_TRUE(tab->waitingForAck());
+    EXPECT_TRUE(tab->exchange().waitingForAck());
     reply("OK\n\r");
     EXPECT_EQ(world.alerts.only(), alertOf("OK\n\r", "Success"));
 }
@@ -235,8 +196,8 @@ TEST_P(UtilitiesTabRefusedThrottle, ChangesTheCommandRememberedBeforeItIsRefused
     EXPECT_EQ(world.alerts.only(), kInvalidThrottle);
     EXPECT_THAT(writes(), IsEmpty());
     EXPECT_FALSE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::SetThrottle);
-    EXPECT_TRUE(tab->waitingForAck());
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::SetThrottle);
+    EXPECT_TRUE(tab->exchange().waitingForAck());
 }
 
 INSTANTIATE_TEST_SUITE_P(OutOfRange, UtilitiesTabRefusedThrottle,
@@ -264,7 +225,7 @@ TEST_F(UtilitiesTab, ResetsTheDeviceWithoutWaitingForIt)
     EXPECT_THAT(writes(), ElementsAre("1", "7"));
     EXPECT_EQ(world.alerts.only(), alertOf("Finished Resetting Device", "Success"));
     EXPECT_FALSE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::AdcVersion);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::AdcVersion);
 }
 
 TEST_F(UtilitiesTab, ResetsTheModemWithoutWaitingForIt)
@@ -275,7 +236,7 @@ TEST_F(UtilitiesTab, ResetsTheModemWithoutWaitingForIt)
     EXPECT_THAT(writes(), ElementsAre("6"));
     EXPECT_EQ(world.alerts.only(), alertOf("Finished Resetting Modem", "Success"));
     EXPECT_FALSE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), std::nullopt);
+    EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
 }
 
 TEST_F(UtilitiesTab, TellsOfTheTestThatNoControlIsBoundTo)
@@ -285,18 +246,18 @@ TEST_F(UtilitiesTab, TellsOfTheTestThatNoControlIsBoundTo)
     tab->test();
 
     EXPECT_EQ(world.alerts.only(), alertOf("pass", "Device Firmware Version"));
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_F(UtilitiesTab, TakesANewlyPluggedVorranoAndEmptiesTheIncomingBuffer)
 {
     reply("something");
-    EXPECT_EQ(tab->incomingDataBuffer(), "something");
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), "something");
 
     world.plugSerialDevice("/dev/ttyS0");
     world.run();
 
-    EXPECT_EQ(tab->incomingDataBuffer(), "");
+    EXPECT_EQ(tab->exchange().incomingDataBuffer(), "");
     EXPECT_TRUE(line().isOpen());
 }
 

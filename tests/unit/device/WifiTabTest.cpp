@@ -31,7 +31,7 @@ struct WifiTab : DeviceTabTest<WifiSetupViewController> {
         EXPECT_EQ(world.alerts.only(), error(message));
         EXPECT_THAT(writes(), IsEmpty());
         EXPECT_FALSE(isBusy());
-        EXPECT_EQ(tab->queryNumber(), std::nullopt);
+        EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
     }
 
     // The three requests of a free text, the third answered.
@@ -75,7 +75,7 @@ TEST_P(WifiTabSecurityType, IsSentAsOneByteWithoutAnEndMark)
 
     EXPECT_THAT(writes(), ElementsAre("a", GetParam().byte));
     EXPECT_TRUE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::SetSecurityType);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::SetSecurityType);
     reply("OK\n\r");
     EXPECT_EQ(world.alerts.only(), alertOf("OK\n\r", "Success"));
     EXPECT_FALSE(isBusy());
@@ -152,7 +152,7 @@ TEST_F(WifiTab, SendsAnSSIDWithItsSpacesAsDollarSigns)
     saveSSID("My Home Net");
 
     EXPECT_THAT(writes(), ElementsAre("8", "My$Home$Net", "\0"s));
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::SetSSID);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::SetSSID);
     expectFreeText("8", "My$Home$Net");
 }
 
@@ -233,7 +233,7 @@ TEST_F(WifiTab, ShowsTheStoredSSIDWithItsSpacesBack)
     reply("My$Home$Net\n\n\r");
 
     EXPECT_EQ(world.alerts.only(), alertOf("My Home Net\n\n\r", "Success"));
-    EXPECT_EQ(tab->receivedString(), "My Home Net\n\n\r");
+    EXPECT_EQ(tab->exchange().receivedString(), "My Home Net\n\n\r");
     EXPECT_FALSE(isBusy());
 }
 
@@ -331,7 +331,7 @@ TEST_F(WifiTab, ResetsWithoutWaitingForTheDevice)
     EXPECT_THAT(writes(), ElementsAre("7"));
     EXPECT_EQ(world.alerts.only(), alertOf("Finished Resetting Device", "Success"));
     EXPECT_FALSE(isBusy());
-    EXPECT_EQ(tab->queryNumber(), std::nullopt);
+    EXPECT_EQ(tab->exchange().queryNumber(), std::nullopt);
 }
 
 TEST_F(WifiTab, ShowsNoSecondAlertWhateverTheDeviceAnswersToAReset)
@@ -346,7 +346,7 @@ TEST_F(WifiTab, ShowsNoSecondAlertWhateverTheDeviceAnswersToAReset)
     world.advance(10s);
 
     EXPECT_EQ(alerts().size(), 1U);
-    EXPECT_EQ(tab->queryNumber(), DeviceCommand::ReadSSID);
+    EXPECT_EQ(tab->exchange().queryNumber(), DeviceCommand::ReadSSID);
 }
 
 TEST_F(WifiTab, QueuesASecondExchangeBehindTheFirstAndReadsBothByTheLaterCommand)
@@ -363,6 +363,22 @@ TEST_F(WifiTab, QueuesASecondExchangeBehindTheFirstAndReadsBothByTheLaterCommand
     EXPECT_THAT(alerts(), ElementsAre(alertOf("pa  \n\n\r", "Success"), alertOf("My Net\n\n\r", "Success")));
 }
 
+TEST_F(WifiTab, EndsTheBusyStateWithTheFirstOfTwoQueuedExchanges)
+{
+    chooseTabWithVorrano();
+    press("buttonCheckPassword");
+    press("buttonCheckSSID");
+
+    reply("secret\n\n\r");
+
+    EXPECT_FALSE(isBusy());
+    EXPECT_THAT(writes(), ElementsAre("d", "c"));
+    EXPECT_EQ(alerts().size(), 1U);
+    reply("Net\n\n\r");
+    EXPECT_FALSE(isBusy());
+    EXPECT_EQ(alerts().size(), 2U);
+}
+
 TEST_F(WifiTab, ShowsAReplyThatIsNoTextWithoutATitle)
 {
     chooseTabWithVorrano();
@@ -371,7 +387,7 @@ TEST_F(WifiTab, ShowsAReplyThatIsNoTextWithoutATitle)
     reply("\xFF\xFE\n\n\r");
 
     EXPECT_EQ(world.alerts.only(), alertOf(std::nullopt, "Success"));
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 TEST_F(WifiTab, HearsNoDataBesidesResponses)
@@ -381,7 +397,7 @@ TEST_F(WifiTab, HearsNoDataBesidesResponses)
     reply("unasked\n\n\r");
 
     EXPECT_THAT(alerts(), IsEmpty());
-    EXPECT_EQ(tab->receivedString(), std::nullopt);
+    EXPECT_EQ(tab->exchange().receivedString(), std::nullopt);
 }
 
 } // namespace

@@ -45,13 +45,6 @@ TEST_F(Misuse, ASerialTaskThatWaitsForItsOwnQueueFailsTheTest)
     world.run();
 }
 
-TEST_F(Misuse, ContinuingAQueueFromOutsideFailsTheTest)
-{
-    const auto queue = world.backgroundQueue.makeSerialQueue("queue");
-
-    EXPECT_NONFATAL_FAILURE(queue->continueOnPool([] {}), "only a task of the queue may continue it");
-}
-
 TEST_F(Misuse, AFetchOnTheMainThreadFailsTheTest)
 {
     world.urlFetch.answer("body");

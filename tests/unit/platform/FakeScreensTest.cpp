@@ -243,6 +243,32 @@ TEST_F(FakeScreens, EndASheetWithZeroWhenThePersonClosesIt)
     EXPECT_EQ(world.layouts.keyWindow(), login);
 }
 
+TEST_F(FakeScreens, EndASheetWithZeroWhenTheProgramClosesItOrItsParent)
+{
+    const auto login = world.layouts.loadWindow("Login");
+    login->show();
+    std::vector<int> codes;
+    const auto beginSheet = [&] {
+        login->beginSheet(world.layouts.loadWindow("Agreement"), [&](int code) { codes.push_back(code); });
+    };
+
+    beginSheet();
+    world.layouts.window("Agreement").close();
+    EXPECT_THAT(codes, IsEmpty());
+    world.run();
+    EXPECT_THAT(codes, ElementsAre(0));
+    EXPECT_TRUE(login->isVisible());
+    EXPECT_FALSE(world.layouts.hasWindow("Agreement"));
+
+    beginSheet();
+    login->close();
+    world.run();
+
+    EXPECT_THAT(codes, ElementsAre(0, 0));
+    EXPECT_EQ(world.layouts.keyWindow(), nullptr);
+    EXPECT_FALSE(world.layouts.hasWindow("Agreement"));
+}
+
 TEST_F(FakeScreens, TakeTheActiveWindowAsTheKeyWindowElseTheOneShownLast)
 {
     EXPECT_EQ(world.layouts.keyWindow(), nullptr);

@@ -204,8 +204,9 @@ TEST_F(FakeTerminalTest, LetsACallOfTheMainThreadTakeItsTimeWhileTheOthersGoOn)
     const auto descriptor = open();
     line.delayNext(TerminalCall::SetAttributes, 40ms);
     std::vector<Nanoseconds> ticks;
-    const auto timer = world.backgroundQueue.makeTimer({15ms, 15ms}, [&] { ticks.push_back(world.now()); });
-    timer->start();
+    for (const auto due : {15ms, 30ms}) {
+        world.later(due, [&] { ticks.push_back(world.now()); });
+    }
 
     terminal.setAttributes(descriptor, ApplyAttributes::AfterDrain, line.attributes());
 
@@ -231,7 +232,7 @@ TEST_F(FakeTerminalTest, AWaitTakesItsTimeWhateverComes)
     line.reply("x");
     Nanoseconds end{};
     world.backgroundQueue.async([&] {
-        terminal.wait(100ms);
+        terminal.wait(100ms, 0ms);
         end = world.now();
     });
 

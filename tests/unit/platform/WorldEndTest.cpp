@@ -95,7 +95,7 @@ TEST_F(WorldsEnd, LetsGoOfWhatHasNotRun)
     const auto holder = std::make_shared<Holder>();
     holder->kept = held;
     holder->queue = world->backgroundQueue.makeSerialQueue("queue");
-    holder->timer = holder->queue->makeTimer({1s, 1s}, [holder] {});
+    holder->timer = holder->queue->makeTimer({1s, 0s}, [holder] {});
     holder->timer->start();
     holder->queue->async([holder] {});
     holder->queue->async([holder] {});

@@ -146,6 +146,19 @@ TEST_F(PortClose, StopsThePollAtOnceAndTheReaderWithinOneRound)
     EXPECT_EQ(world.time.backgroundTasks(), 0U);
 }
 
+TEST_F(PortClose, StopsThePollBeforeItRestoresTheSettings)
+{
+    openQuietly();
+    line.delayNext(TerminalCall::Attributes, 35ms);
+    line.delayNext(TerminalCall::SetAttributes, 35ms);
+
+    port->close();
+
+    EXPECT_EQ(world.now(), 90ms);
+    EXPECT_THAT(world.terminal.callTexts({TerminalCall::ModemLines, TerminalCall::SetAttributes, TerminalCall::Close}),
+                ElementsAre("setAttributes now", "setAttributes afterDrain", "close"));
+}
+
 TEST_F(PortClose, LetsNoDataCallbackComeLaterThanOneReaderRoundAndWhatWasQueued)
 {
     openQuietly();
@@ -248,7 +261,7 @@ TEST_F(PortClose, AndAnOpenRightAfterItLeaveOneReaderAndOnePoll)
 
     EXPECT_EQ(world.terminal.calls({TerminalCall::WaitReadable}).size(), 1U);
     EXPECT_EQ(world.terminal.calls({TerminalCall::ModemLines}).size(), 10U);
-    for (const auto& call : world.terminal.calls()) {
+    for (const auto& call : world.terminal.calls({TerminalCall::WaitReadable, TerminalCall::ModemLines})) {
         EXPECT_EQ(call.descriptor, port->fileDescriptor());
     }
 }

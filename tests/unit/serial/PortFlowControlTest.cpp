@@ -48,6 +48,18 @@ TEST_P(PortFlowControl, ChangedOnAnOpenPortClosesAndReopensIt)
     EXPECT_THAT(delegate->heard(), ElementsAre("closed", "opened", "closed", "opened"));
 }
 
+TEST_P(PortFlowControl, ChangedOnAnOpenPortIsStoredBetweenTheCloseAndTheOpen)
+{
+    openQuietly();
+    Lines seen;
+    const auto observer = port->observe(
+        "isOpen", [&] { seen.push_back(std::string(port->isOpen() ? "open" : "closed") + (get() ? " on" : " off")); });
+
+    set(true);
+
+    EXPECT_THAT(seen, ElementsAre("closed off", "open on"));
+}
+
 TEST_P(PortFlowControl, ChangedOnAClosedPortIsOnlyStored)
 {
     set(true);

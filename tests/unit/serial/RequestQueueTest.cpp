@@ -51,13 +51,13 @@ TEST_F(RequestQueue, HasWrittenTheRequestWhenTheSendReturns)
     EXPECT_EQ(line.written(), "3");
 }
 
-TEST_F(RequestQueue, WritesInsideTheCallWhenItIsIdle)
+TEST_F(RequestQueue, WritesOnABackgroundThreadAlsoForTheMainThread)
 {
     openQuietly();
 
     port->sendRequest(request("3", 2s, endsWith("!")));
 
-    EXPECT_TRUE(world.terminal.calls({TerminalCall::Write}).front().onMainThread);
+    EXPECT_FALSE(world.terminal.calls({TerminalCall::Write}).front().onMainThread);
 }
 
 TEST_F(RequestQueue, NeverAsksTheEvaluatorOnTheMainThreadWhenTheReplyIsThereAtOnce)
@@ -198,6 +198,28 @@ TEST_F(RequestQueue, DeliversAllBytesSinceTheStartTheOnesBehindTheEndInTheSameCh
     world.run();
 
     EXPECT_THAT(delegate->heard("response"), ElementsAre("response junkOK and more"));
+}
+
+// The reader of the ended open is taken off its processor between telling the delegate and handing the bytes over.
+TEST_F(RequestQueue, TakesTheBytesOfTwoOpensInTheOrderInWhichTheDelegateHearsThem)
+{
+    openQuietly();
+    port->sendRequest(request("1", 2s, endsWith("!")));
+    world.run();
+    world.backgroundQueue.delayNextHandOver(20ms);
+    line.reply("old ");
+    world.run();
+    port->close();
+    port->open();
+    line.reply("new");
+    world.run();
+    world.advance(20ms);
+
+    line.reply("!");
+    world.run();
+
+    EXPECT_THAT(delegate->heard("data"), ElementsAre("data old ", "data new", "data !"));
+    EXPECT_THAT(delegate->heard("response"), ElementsAre("response old new!"));
 }
 
 class RequestQueueSplit : public RequestQueue, public testing::WithParamInterface<unsigned> {};

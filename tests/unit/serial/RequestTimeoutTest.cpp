@@ -58,6 +58,20 @@ TEST_F(RequestTimeout, CountsFromTheStartNotFromTheSending)
     EXPECT_EQ(delegate->timedOut().size(), 2U);
 }
 
+TEST_F(RequestTimeout, CountsTheTimeOfTheWrite)
+{
+    openQuietly();
+    line.delayNext(TerminalCall::Write, 300ms);
+    port->sendRequest(request("1", 2s, endsWith("!")));
+    EXPECT_EQ(world.now(), 320ms);
+
+    world.advance(1699ms);
+    EXPECT_THAT(delegate->heard(), IsEmpty());
+    world.advance(1ms);
+
+    EXPECT_THAT(delegate->heard(), ElementsAre("timeout"));
+}
+
 TEST_F(RequestTimeout, IsNotPutOffByBytes)
 {
     openQuietly();

@@ -16,7 +16,7 @@ termios filledWith(int byte)
     return settings;
 }
 
-termios withOptions(const PortOptions& options, termios settings)
+termios withOptions(const PortOptions::Values& options, termios settings)
 {
     writeOptions(options, settings);
     return settings;
@@ -25,7 +25,7 @@ termios withOptions(const PortOptions& options, termios settings)
 // From settings with every flag off, and from settings with every flag on.
 class WrittenOptions : public testing::TestWithParam<int> {
 protected:
-    [[nodiscard]] termios written(const PortOptions& options) const
+    [[nodiscard]] termios written(const PortOptions::Values& options) const
     {
         return withOptions(options, filledWith(GetParam()));
     }

@@ -1,4 +1,4 @@
-#include "app/session/GlobalVariables.h"
+#include "session/GlobalVariables.h"
 
 #include <gtest/gtest.h>
 

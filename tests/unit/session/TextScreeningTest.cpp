@@ -1,4 +1,4 @@
-#include "app/session/TextScreening.h"
+#include "session/TextScreening.h"
 
 #include <gtest/gtest.h>
 

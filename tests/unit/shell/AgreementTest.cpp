@@ -1,12 +1,34 @@
 #include "app/shell/EULAWindowViewController.h"
 #include "unit/shell/ShellTest.h"
 
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+
 using namespace vorrano;
 using namespace vorrano::shell;
 
+using namespace std::chrono_literals;
+
 namespace {
 
-struct TheAgreement : ShellTest {};
+struct TheAgreement : ShellTest {
+    // Presses Sign In; the service answers after that time, and the agreement is open by then.
+    void openAgreementDuringASignIn(std::chrono::nanoseconds answered, const std::string& accountID)
+    {
+        world.urlFetch.answerAfter(answered, R"({"data":[{"Id":")" + accountID + R"("}]})");
+        login().type("accountId", "ada");
+        login().type("password", "secret1");
+        press(login(), "loginButton");
+        openAgreement();
+    }
+
+    [[nodiscard]] std::ptrdiff_t setupWindowsMade() const
+    {
+        const auto& loaded = world.layouts.loaded();
+        return std::count(loaded.begin(), loaded.end(), "SetupMenuViewController");
+    }
+};
 
 TEST_F(TheAgreement, IsASheetOverTheLoginWindow)
 {
@@ -120,6 +142,81 @@ TEST_F(TheAgreement, GoneWithTheProgramIsNotAnsweredAnyMore)
 
     EXPECT_FALSE(world.layouts.hasWindow("SetupMenuViewController"));
     EXPECT_THAT(world.log.lines(), IsEmpty());
+}
+
+TEST_F(TheAgreement, GoesWithTheLoginWindowWhenAnEarlierSignInSucceeds)
+{
+    launch();
+    openAgreementDuringASignIn(2s, "1234");
+
+    world.advance(2500ms);
+
+    EXPECT_FALSE(isVisible("LoginViewController"));
+    EXPECT_FALSE(world.layouts.hasWindow("EULAWindowViewController"));
+    EXPECT_TRUE(isVisible("SetupMenuViewController"));
+    EXPECT_EQ(GlobalVariables::getUserIsLoggedIn(), "1");
+    EXPECT_FALSE(world.layouts.hasProgramEnded());
+}
+
+TEST_F(TheAgreement, GoesWithTheLoginWindowAlsoWhereThatIsTheActiveOne)
+{
+    launch();
+    openAgreementDuringASignIn(2s, "1234");
+    world.layouts.window("LoginViewController").activate();
+
+    world.advance(2500ms);
+
+    EXPECT_FALSE(isVisible("LoginViewController"));
+    EXPECT_FALSE(world.layouts.hasWindow("EULAWindowViewController"));
+    EXPECT_TRUE(isVisible("SetupMenuViewController"));
+}
+
+TEST_F(TheAgreement, ThatASignInClosedLeavesASetupWindowWhoseClosingEndsTheProgram)
+{
+    launch();
+    openAgreementDuringASignIn(2s, "1234");
+    world.advance(2500ms);
+    world.log.forget();
+
+    EXPECT_TRUE(world.layouts.window("SetupMenuViewController").closeAsPerson());
+    world.advance(10s);
+
+    EXPECT_TRUE(world.layouts.hasProgramEnded());
+    EXPECT_EQ(setupWindowsMade(), 1);
+    EXPECT_THAT(world.log.lines(), IsEmpty());
+}
+
+TEST_F(TheAgreement, AcceptedBetweenAReplyAndItsSetupWindowEndsInOneSetupWindow)
+{
+    launch();
+    openAgreementDuringASignIn(2s, "1234");
+    world.advance(2300ms);
+
+    press(agreement(), "buttonAccept");
+    EXPECT_TRUE(isVisible("SetupMenuViewController"));
+    const std::weak_ptr<platform::Window> first = world.layouts.keyWindow();
+    world.advance(1s);
+
+    // The sign-in opens its own in place of the first.
+    EXPECT_TRUE(first.expired());
+    EXPECT_TRUE(isVisible("SetupMenuViewController"));
+    EXPECT_FALSE(isVisible("LoginViewController"));
+    EXPECT_TRUE(world.layouts.window("SetupMenuViewController").closeAsPerson());
+    EXPECT_TRUE(world.layouts.hasProgramEnded());
+}
+
+TEST_F(TheAgreement, StaysOpenWhenAnEarlierSignInFails)
+{
+    launch();
+    openAgreementDuringASignIn(2s, "0");
+
+    world.advance(10s);
+
+    EXPECT_EQ(world.alerts.only().messageText, "Invalid AccountID/Password");
+    EXPECT_TRUE(isVisible("LoginViewController"));
+    press(agreement(), "buttonAccept");
+    EXPECT_TRUE(isVisible("SetupMenuViewController"));
+    EXPECT_EQ(setupWindowsMade(), 1);
 }
 
 } // namespace

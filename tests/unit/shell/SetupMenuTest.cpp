@@ -153,6 +153,110 @@ TEST_F(TheSetupWindow, HandsThePortToTheDeviceTabChosenLast)
     EXPECT_NE(std::dynamic_pointer_cast<device::WifiSetupViewController>(port->delegate()), nullptr);
 }
 
+TEST_F(TheSetupWindow, HasStoredTheNewControllerAndShowsItsViewBeforeItAwakes)
+{
+    const auto setupMenu = SetupMenuViewController::create();
+    setupMenu->awakeFromNib();
+    chooseTab(2);
+    const std::weak_ptr<device::WifiSetupViewController> before = setupMenu->wifiSetupViewController();
+    bool awoke = false;
+    world.wifi.whileScanning([&] {
+        awoke = true;
+        EXPECT_TRUE(before.expired());
+        const auto& stored = setupMenu->wifiSetupViewController();
+        ASSERT_NE(stored, nullptr);
+        EXPECT_EQ(page(2), stored->view());
+    });
+
+    chooseTab(2);
+
+    EXPECT_TRUE(awoke);
+}
+
+// Of several live tabs the one chosen last hears of a connection last.
+TEST_F(TheSetupWindow, GivesThePortToTheTabOnScreenWhenTheCableIsPulledAndPluggedIn)
+{
+    launch();
+    openSetup();
+    for (const std::string after : {"A1B2", "C3D4"}) {
+        auto& before = world.plugVorrano("A1B2");
+        for (const int tab : {1, 2, 3, 2}) {
+            chooseTab(tab);
+        }
+        world.unplug(before);
+        world.advance(std::chrono::seconds(3));
+        auto& line = world.plugVorrano(after);
+        world.run();
+
+        const auto port = serial::SerialPortManager::sharedSerialPortManager()->availablePorts().front();
+        EXPECT_NE(std::dynamic_pointer_cast<device::WifiSetupViewController>(port->delegate()), nullptr) << after;
+        EXPECT_TRUE(page(2)->press("buttonCheckSSID"));
+        world.run();
+        line.reply("My$Net\n\n\r");
+        world.run();
+        EXPECT_EQ(world.alerts.only().messageText, "My Net\n\n\r");
+        world.alerts.forget();
+        world.unplug(line);
+        world.advance(std::chrono::seconds(3));
+    }
+}
+
+// The bootloader step is the controller's own.
+TEST_F(TheSetupWindow, BeginsWithoutABootloaderStepWhenTheTabIsChosenAnewBeforeThePrompt)
+{
+    auto& line = world.plugVorrano();
+    launch();
+    openSetup();
+    chooseTab(3);
+    world.alerts.queueAnswer(platform::kAlertSecondButton);
+    world.alerts.queueAnswer(platform::kAlertFirstButton);
+    world.openPanel.queueFile("/nowhere/vorrano.hex");
+    EXPECT_TRUE(page(3)->press("buttonUpdateFirmware"));
+    EXPECT_EQ(line.written(), "7b");
+    world.alerts.forget();
+
+    chooseTab(3);
+    line.reply(">");
+    world.run();
+
+    EXPECT_EQ(line.written(), "7b");
+    EXPECT_THAT(world.alerts.shown(), IsEmpty());
+}
+
+// A sign-in without a reply leaves the session without an account id.
+TEST_F(TheSetupWindow, SendsAnAbsentAccountIdAsAnEmptyTextInEveryAddress)
+{
+    const std::string root = "https://service.example/VorranoAPI/RestServiceImpl.svc/";
+    auto& line = world.plugVorrano();
+    launch();
+    for (int call = 0; call < 4; ++call) {
+        world.urlFetch.answerNothing();
+    }
+    login().type("accountId", "ada");
+    login().type("password", "secret1");
+    press(login(), "loginButton");
+    world.advance(std::chrono::seconds(1));
+    for (const auto* const field : {"accountID", "password", "confirmPassword", "email", "address", "cityName",
+                                    "stateName", "countryName", "zipCode"}) {
+        page(0)->setTextQuietly(field, "secret1");
+    }
+    page(0)->setTextQuietly("guestPassword", "guest22");
+    page(0)->setTextQuietly("confirmGuestPassword", "guest22");
+    press(*page(0), "saveButton");
+    chooseTab(1);
+    line.reply("00:1B:44:11:3A:B7\n\r");
+    world.run();
+    page(1)->setTextQuietly("vorranoName", "Kitchen");
+    press(*page(1), "saveButton");
+
+    EXPECT_EQ(GlobalVariables::getGlobalAccountID(), std::nullopt);
+    EXPECT_THAT(world.urlFetch.requests(),
+                ElementsAre(root + "validateLogin/ada/secret1", root + "getAccounts/",
+                            root + "getAccounts///secret1/secret1/nil/secret1/nil/secret1/secret1/secret1/secret1/"
+                                   "guest22",
+                            root + "insertAccountVorranos//00:1B:44:11:3A:B7/Kitchen"));
+}
+
 TEST_F(TheSetupWindow, SurvivesAReplyForATabThatWasChosenAgain)
 {
     auto& line = world.plugVorrano();

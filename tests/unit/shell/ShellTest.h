@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/session/GlobalVariables.h"
 #include "app/shell/SetupMenuViewController.h"
 #include "app/shell/VorranoAppDelegate.h"
 #include "cloud/LoginViewController.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
+#include "session/GlobalVariables.h"
 #include "support/World.h"
 
 #include <gmock/gmock.h>
@@ -36,7 +36,7 @@ protected:
     {
         m_program.reset();
         serial::SerialPortManager::releaseShared();
-        cloud::LoginViewController::releaseShared();
+        cloud::LoginViewController::forgetNetworkScan();
         GlobalVariables::releaseShared();
     }
 

@@ -1,4 +1,5 @@
 #include "simulator/device/SimulatedVorrano.h"
+#include "support/DeviceLanguage.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -68,6 +69,33 @@ INSTANTIATE_TEST_SUITE_P(All, EachQuery,
                                          Query{'4', "9.50\n\r"}, Query{'5', "Wifi 2.36.1\n\r"},
                                          Query{'c', "Not$set\n\n\r"}, Query{'d', "none\n\n\r"}, Query{'f', "40\n\r"},
                                          Query{'h', "0\n\r"}));
+
+class EachQueryOfTheLanguage : public VorranoOnTheLine, public testing::WithParamInterface<support::LanguageCommand> {
+public:
+    // Those that are only the device's own, not its bootloader's.
+    static std::vector<support::LanguageCommand> queries()
+    {
+        std::vector<support::LanguageCommand> found;
+        for (const auto& command : support::languageCommands()) {
+            const bool isAnswered = !command.reply || command.reply->shortest > 0;
+            if (command.argument == "none" && isAnswered && command.code != 'b' && command.code != 'u') {
+                found.push_back(command);
+            }
+        }
+        return found;
+    }
+};
+
+TEST_P(EachQueryOfTheLanguage, HasAWholeReply)
+{
+    send(std::string(1, GetParam().code));
+
+    const auto answer = reply();
+    EXPECT_NE(answer, "") << GetParam().name;
+    EXPECT_TRUE(!GetParam().reply || GetParam().reply->isWhole(answer)) << GetParam().name;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, EachQueryOfTheLanguage, testing::ValuesIn(EachQueryOfTheLanguage::queries()));
 
 TEST_F(VorranoOnTheLine, StoresAnSsidThatComesInPieces)
 {

@@ -1,4 +1,4 @@
-#include "cloud/web/Reachability.h"
+#include "web/Reachability.h"
 
 #include "support/World.h"
 

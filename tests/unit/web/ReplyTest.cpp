@@ -1,4 +1,4 @@
-#include "cloud/web/Reply.h"
+#include "web/Reply.h"
 
 #include <optional>
 #include <utility>

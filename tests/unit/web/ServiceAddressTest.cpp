@@ -1,4 +1,4 @@
-#include "cloud/web/ServiceAddress.h"
+#include "web/ServiceAddress.h"
 
 #include "support/World.h"
 

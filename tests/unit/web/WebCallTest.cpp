@@ -1,4 +1,4 @@
-#include "cloud/web/WebCall.h"
+#include "web/WebCall.h"
 
 #include "platform/MainThreadDeleter.h"
 #include "support/World.h"
