@@ -33,7 +33,7 @@ public:
     {
         m_port.reset();
         serial::SerialPortManager::releaseShared();
-        cloud::LoginViewController::releaseShared();
+        cloud::LoginViewController::forgetNetworkScan();
         session::GlobalVariables::releaseShared();
     }
 

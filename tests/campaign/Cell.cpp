@@ -147,6 +147,7 @@ private:
         if (m_cell.action.kind != Kind::SignIn || isAtLogin) {
             again(m_cell.action);
         }
+        m_demo.settle();
         const auto actions = allActions();
         again(*std::find_if(actions.begin(), actions.end(), [](const Action& a) { return a.name == "power status"; }));
     }

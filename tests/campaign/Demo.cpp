@@ -18,6 +18,9 @@ using support::TerminalCall;
 namespace {
 
 constexpr int kForGood = 1'000'000;
+// An action queues so many requests at the most.
+constexpr int kLongestQueue = 3;
+constexpr std::chrono::seconds kTimeLimit{2};
 const std::map<std::string, std::string> kAccount{{"accountID", "ada"},
                                                   {"password", "secret1"},
                                                   {"confirmPassword", "secret1"},
@@ -79,7 +82,7 @@ Demo::~Demo()
 {
     m_program.reset();
     serial::SerialPortManager::releaseShared();
-    cloud::LoginViewController::releaseShared();
+    cloud::LoginViewController::forgetNetworkScan();
     session::GlobalVariables::releaseShared();
     // A request under way still asks the service, and a write the device.
     m_world.time.end();
@@ -269,6 +272,13 @@ void Demo::heal()
     m_world.reachability.setFlags(platform::kReachable);
     m_vorrano.device().clearFaults();
     m_vorrano.line().recover();
+    settle();
+}
+
+void Demo::settle()
+{
+    // A closed port's queue drains by time-outs.
+    m_world.advance(kLongestQueue * kTimeLimit);
     // What is on its way arrives; a device that is left in the middle of something is plugged in anew.
     while (!m_vorrano.isQuiet()) {
         m_world.advance(100ms);

@@ -1,6 +1,7 @@
 #include "campaign/Rules.h"
 
 #include "simulator/device/Fault.h"
+#include "simulator/device/SimulatedVorrano.h"
 
 #include <cctype>
 #include <cstdlib>
@@ -39,8 +40,9 @@ const Alert kCouldNotConnect = alertOf("Could not connect", "Please try again");
 
 // What a fault does to what goes over the line and comes back.
 struct LineEffect {
-    // The number of the write that fails, from 1 on; 0 when none does.
+    // The number of the write that fails, or comes late, from 1 on; 0 when none does.
     std::size_t failingWrite = 0;
+    std::size_t lateWrite = 0;
     // No write and no reply passes, and the tab knows that it has no port.
     bool isGone = false;
     // Every write fails, though there is a port.
@@ -68,6 +70,7 @@ LineEffect effectOf(LineFault fault, Moment moment)
 {
     const auto beginning = [](const Chunks& reply) { return Chunks{joined(reply).substr(0, kCutAfter)}; };
     const auto nothing = [](const Chunks&) { return Chunks{}; };
+    const std::size_t next = moment == Moment::Before ? 1 : 2;
     switch (fault) {
     case LineFault::Silence:
     case LineFault::Merge:
@@ -88,9 +91,9 @@ LineEffect effectOf(LineFault fault, Moment moment)
     case LineFault::LongDelay:
         return {.delay = kLongDelay};
     case LineFault::SlowWrite:
-        return {.delay = kSlowWrite};
+        return {.lateWrite = next, .delay = kSlowWrite};
     case LineFault::WriteFails:
-        return {.failingWrite = moment == Moment::Before ? std::size_t{1} : std::size_t{2}};
+        return {.failingWrite = next};
     case LineFault::HeldByAnother:
         // An open port is ours.
         return {.isClosed = moment == Moment::Before};
@@ -177,8 +180,8 @@ Outcome ofUpload(const LineEffect& effect)
 {
     Outcome outcome{.alerts = {kPcConnected, kProceed}, .isBusy = true, .isDone = false};
     outcome.limit = kRestart + 2 * effect.delay;
-    // The device restarts, and is not told to stay in its bootloader: it greets instead.
-    if (effect.failingWrite == 2) {
+    // The device restarts, and is not told in time to stay in its bootloader: it greets instead.
+    if (effect.failingWrite == 2 || effect.lateWrite == 2) {
         outcome.alerts.push_back(kNoBootloader);
         return outcome;
     }
@@ -194,7 +197,8 @@ Outcome ofUpload(const LineEffect& effect)
     }
     outcome.alerts.push_back(kFinished);
     outcome.isBusy = false;
-    outcome.isDone = true;
+    // A device whose consent comes late has given the image up by then.
+    outcome.isDone = effect.delay < simulator::SimulatedVorrano::kImageQuiet;
     outcome.limit += kImagePauses;
     return outcome;
 }
@@ -209,7 +213,6 @@ std::optional<double> latestVersionOf(ServiceMood mood)
     case ServiceMood::Cut:
     case ServiceMood::AnswersNothing:
     case ServiceMood::WrongShape:
-    case ServiceMood::Numbers:
         return std::nullopt;
     default:
         // Not there within the pauses, or no number at its place.
@@ -291,7 +294,9 @@ Outcome ofRegistration(const Action& action, const LineEffect& effect, ServiceMo
     if (!isAnswered || !answerOf(action, effect.heard(action.reply))) {
         return {.alerts = {kNoMac}, .limit = kAsked};
     }
-    return {.alerts = {kRegistered}, .limit = kAsked + answerTimeOf(mood)};
+    // The main thread hands the question over, and waits for its write.
+    const auto held = effect.lateWrite == 1 ? effect.delay : 0ms;
+    return {.alerts = {kRegistered}, .limit = held + kAsked + answerTimeOf(mood)};
 }
 
 Outcome outcomeOf(const Action& action, const LineEffect& effect, ServiceMood mood)

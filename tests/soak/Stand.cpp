@@ -92,7 +92,7 @@ Stand::~Stand()
     m_mainQueue.endAndDrain();
     m_program.reset();
     serial::SerialPortManager::releaseShared();
-    cloud::LoginViewController::releaseShared();
+    cloud::LoginViewController::forgetNetworkScan();
     session::GlobalVariables::releaseShared();
     m_backgroundQueue.stop();
     m_backgroundQueue.joinWithin(kPatience);

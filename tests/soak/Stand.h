@@ -112,6 +112,7 @@ public:
 class ServiceFetch : public platform::UrlFetch {
 public:
     [[nodiscard]] std::optional<std::string> contentsOfUrl(const std::string& address) override;
+    void abort() override {}
     void addAccount();
 
 private:
@@ -170,7 +171,7 @@ private:
     posix_platform::PosixPortAccess m_portAccess;
     TwoNetworks m_wifi;
     AlwaysReachable m_reachability;
-    asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log, std::this_thread::get_id()};
+    asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log};
     platform::Platform m_platform;
     std::unique_ptr<shell::VorranoAppDelegate> m_program;
 };

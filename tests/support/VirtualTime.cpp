@@ -303,8 +303,8 @@ bool VirtualTime::step()
         const auto drawn = (*m_dice)() % (m_ready.size() + mainTasks);
         return drawn == m_ready.size() ? runMainTask() : runReadyThread(drawn);
     }
-    const bool mainIsFirst = m_ready.empty() || m_mainTasks.front().order < m_ready.front().order;
-    return mainTasks > 0 && mainIsFirst ? runMainTask() : runReadyThread(0);
+    const bool isMainNext = mainTasks > 0 && (m_ready.empty() || m_mainTasks.front().order < m_ready.front().order);
+    return isMainNext ? runMainTask() : runReadyThread(0);
 }
 
 bool VirtualTime::fireEvent()
