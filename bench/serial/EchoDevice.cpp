@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <ctime>
 #include <string_view>
 #include <system_error>
 
@@ -18,14 +19,38 @@ namespace {
 constexpr std::string_view kReply = "My$Home$Net is on\r\n";
 static_assert(kReply.size() == kReplyLength);
 
+constexpr long kByteTime = 1'041'667; // in nanoseconds; ten bits at 9600 baud
+
+bool replyAtOnce(int line) { return ::write(line, kReply.data(), kReply.size()) >= 0; }
+
+bool replyPaced(int line)
+{
+    timespec due{};
+    ::clock_gettime(CLOCK_MONOTONIC, &due);
+    for (const char byte : kReply) {
+        due.tv_nsec += kByteTime;
+        if (due.tv_nsec >= 1'000'000'000) {
+            due.tv_nsec -= 1'000'000'000;
+            ++due.tv_sec;
+        }
+        ::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &due, nullptr);
+        if (::write(line, &byte, 1) < 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
 [[noreturn]] void answerForEver(int line)
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // A line is no later than its bits.
+    ::prctl(PR_SET_TIMERSLACK, 1);
     while (true) {
         char bytes[64];
         const ssize_t count = ::read(line, bytes, sizeof(bytes));
         for (ssize_t i = 0; i < count; ++i) {
-            if (bytes[i] == kRequest && ::write(line, kReply.data(), kReply.size()) < 0) {
+            if ((bytes[i] == kRequest && !replyAtOnce(line)) || (bytes[i] == kPacedRequest && !replyPaced(line))) {
                 ::_exit(1);
             }
         }

@@ -27,8 +27,9 @@ constexpr unsigned long kBaudRate = 9600;
 
 class Exchanges final : public serial::SerialPortDelegate {
 public:
-    Exchanges(int times, std::function<void(bool)> done)
-        : m_left(times)
+    Exchanges(char request, int times, std::function<void(bool)> done)
+        : m_request(request)
+        , m_left(times)
         , m_done(std::move(done))
     {}
 
@@ -57,11 +58,12 @@ public:
             return;
         }
         port.sendRequest(serial::SerialRequest::requestWithDataToSendUserInfoTimeoutIntervalResponseEvaluator(
-            serial::Bytes(1, kRequest), {}, 2s,
+            serial::Bytes(1, m_request), {}, 2s,
             [](const serial::Bytes& bytes) { return bytes.size() >= kReplyLength; }));
     }
 
 private:
+    const char m_request;
     int m_left;
     const std::function<void(bool)> m_done;
 };
@@ -93,7 +95,7 @@ private:
     qt::QtMainQueue m_mainQueue{m_log};
     asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log};
 
-    // The device list's own, which nobody's time goes by.
+    // A fake clock for the device list alone: it never moves.
     support::VirtualTime m_noTime{m_log};
     support::FakeMainQueue m_noQueue{m_noTime};
     support::FakeDeviceRegistry m_registry{m_noQueue};
@@ -115,9 +117,9 @@ bool OwnPort::open()
 
 void OwnPort::close() { m_parts->port->close(); }
 
-void OwnPort::exchange(int times, std::function<void(bool)> done)
+void OwnPort::exchange(char request, int times, std::function<void(bool)> done)
 {
-    m_parts->delegate = std::make_shared<Exchanges>(times, std::move(done));
+    m_parts->delegate = std::make_shared<Exchanges>(request, times, std::move(done));
     m_parts->port->setDelegate(m_parts->delegate);
     m_parts->delegate->next(*m_parts->port);
 }

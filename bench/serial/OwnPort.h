@@ -22,7 +22,7 @@ public:
 
     // Makes that many exchanges, each sent from the main loop once the one before was answered there; then tells
     // whether all were answered, from the main loop too.
-    void exchange(int times, std::function<void(bool)> done);
+    void exchange(char request, int times, std::function<void(bool)> done);
 
 private:
     class Parts;

@@ -24,8 +24,9 @@ bool QtPort::open() { return m_port.open(QSerialPort::ReadWrite); }
 
 void QtPort::close() { m_port.close(); }
 
-void QtPort::exchange(int times, std::function<void(bool)> done)
+void QtPort::exchange(char request, int times, std::function<void(bool)> done)
 {
+    m_request = request;
     m_left = times;
     m_done = std::move(done);
     next();
@@ -39,7 +40,7 @@ void QtPort::next()
     }
     m_received.clear();
     m_timeout.start(std::chrono::seconds(2));
-    m_port.write(&kRequest, 1);
+    m_port.write(&m_request, 1);
 }
 
 void QtPort::readyRead()

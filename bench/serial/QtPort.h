@@ -17,7 +17,7 @@ public:
 
     bool open();
     void close();
-    void exchange(int times, std::function<void(bool)> done);
+    void exchange(char request, int times, std::function<void(bool)> done);
 
 private:
     void next();
@@ -26,6 +26,7 @@ private:
     QSerialPort m_port;
     QTimer m_timeout;
     std::string m_received;
+    char m_request = 0;
     int m_left = 0;
     std::function<void(bool)> m_done;
 };

@@ -20,7 +20,7 @@ public:
     // Does what a request asks and gives the answer's further members; what it throws becomes the error's text.
     using Handler = std::function<QJsonObject(const QJsonObject& request)>;
 
-    // Throws std::runtime_error when the path can't be had; a socket that nobody listens on any more is replaced.
+    // Throws std::runtime_error when the path can't be used; a socket that nobody listens on any more is replaced.
     ControlServer(const std::string& path, Handler handler);
     ControlServer(const ControlServer&) = delete;
     ControlServer& operator=(const ControlServer&) = delete;

@@ -31,7 +31,7 @@ struct Settings {
 // Threads: the one of the event loop.
 class Simulator {
 public:
-    // Throws std::exception when a socket or pseudo-terminal can't be had.
+    // Throws std::exception when a socket or a pseudo-terminal can't be made.
     explicit Simulator(const Settings& settings);
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;

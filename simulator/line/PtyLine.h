@@ -33,7 +33,7 @@ public:
     PtyLine& operator=(const PtyLine&) = delete;
     ~PtyLine();
 
-    // Throws std::system_error when there is no pseudo-terminal to be had.
+    // Throws std::system_error when no pseudo-terminal can be made.
     void plug();
     void unplug();
     [[nodiscard]] bool isPlugged() const { return m_master >= 0; }

@@ -56,7 +56,7 @@ void RegisterVorranoViewController::queryForMacAddress()
 {
     const auto& ports = serial::SerialPortManager::sharedSerialPortManager()->availablePorts();
     const auto index = static_cast<std::size_t>(m_deviceIndex);
-    // A port of another kind must not be sent a query: whatever is behind it may take it for something else.
+    // Send no query to a port of another kind: the device behind it may take it for a command of its own.
     if (index >= ports.size() || ports[index]->path().find(device::kVorranoPath) == std::string::npos) {
         return;
     }

@@ -8,8 +8,8 @@
 
 namespace vorrano::device {
 
-// What a tab sent last, and what came. Nothing in a reply says what it answers; the command sent last is all that
-// tells.
+// What a tab sent last, and what came back. A reply does not say which command it answers: the command sent last
+// decides.
 //
 // Threads: the main thread.
 class DeviceExchange {

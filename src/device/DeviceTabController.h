@@ -32,8 +32,8 @@ inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 // What the tabs that talk to the device have in common: the connection to its port, the progress display, the alerts.
 //
 // The port is the first listed whose path contains kVorranoPath, else the first listed. There is one port object for
-// each path, so tabs share it, and it has one delegate: the tab that took it last. A tab without a port goes on as
-// ever, only its bytes go nowhere.
+// each path, so tabs share it, and it has one delegate: the tab that took it last. A tab without a port works as
+// usual, but its bytes go nowhere.
 //
 // Controls: the label connectionNoticeLabel, shown while the tab's commands reach no Vorrano; in a tab that uses the
 // progress display, loginProgressIndicator.
@@ -68,7 +68,8 @@ protected:
     // Of the device's port among the manager's; 0 when there is none.
     [[nodiscard]] virtual std::size_t indexOfDevice();
 
-    // Another port than the one held: closes that one and leaves it without a delegate, and becomes the new one's.
+    // Takes another port than the one held: closes the old port and clears its delegate, and becomes the delegate of
+    // the new one.
     void setSerialPort(std::shared_ptr<serial::SerialPort> port);
 
     // Connects anew whenever a serial device is plugged in, for as long as the token and the tab live.

@@ -3,12 +3,12 @@
 #include "device/FirmwareVersion.h"
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
+#include "platform/Mutex.h"
 #include "platform/Platform.h"
 #include "platform/UrlFetch.h"
 #include "web/Reply.h"
 #include "web/ServiceAddress.h"
 
-#include <mutex>
 #include <utility>
 
 namespace vorrano::device {
@@ -20,18 +20,18 @@ class LatestFirmware::Answer {
 public:
     [[nodiscard]] std::optional<std::string> text() const
     {
-        const std::lock_guard lock(m_mutex);
+        const platform::MutexLock lock(m_mutex);
         return m_text;
     }
     void setText(std::optional<std::string> text)
     {
-        const std::lock_guard lock(m_mutex);
+        const platform::MutexLock lock(m_mutex);
         m_text = std::move(text);
     }
 
 private:
-    mutable std::mutex m_mutex;
-    std::optional<std::string> m_text;
+    mutable platform::Mutex m_mutex;
+    std::optional<std::string> m_text VORRANO_GUARDED_BY(m_mutex);
 };
 
 LatestFirmware::LatestFirmware()

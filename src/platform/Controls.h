@@ -87,7 +87,7 @@ public:
     [[nodiscard]] virtual int selectedIndex() const = 0;
     [[nodiscard]] virtual std::string selectedLabel() const = 0;
 
-    // Makes the view the content of the page; what was there is let go. Reports nothing.
+    // Makes the view the content of the page; what was there is let go. Calls no handler.
     virtual void setView(int index, std::shared_ptr<View> view) = 0;
 
     // One call for each choice of a tab, whatever its source, also of the tab that is on screen already.

@@ -10,7 +10,7 @@ struct OperatingSystemVersion {
     int patch = 0;
 };
 
-// The version that a program's system requirement is about; none when it can't be had. Any thread.
+// The version that a program's system requirement is about; none when it is not known. Any thread.
 class OperatingSystem {
 public:
     OperatingSystem() = default;

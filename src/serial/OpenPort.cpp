@@ -110,7 +110,7 @@ void OpenPort::pollOnce(const Events& events)
 {
     const auto lines = modemLines();
     if (!isPolled()) {
-        // The port was closed during the call; what the call says is about the end of this open.
+        // The port was closed during the call: the call's result is the end of this open, not a fault.
         return;
     }
     if (!lines.failed()) {

@@ -98,7 +98,7 @@ public:
     void open();
 
     // Restores the terminal's settings from before the open and closes. Returns whether the port is closed afterwards;
-    // a failure leaves it open. Requests are left as they are: they time out.
+    // a failure leaves it open. Requests are left as they are: those with a time-out run out of time, the others stay.
     bool close();
 
     [[nodiscard]] bool isOpen() const { return fileDescriptor() != 0; }

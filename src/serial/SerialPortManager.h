@@ -67,8 +67,8 @@ public:
     [[nodiscard]] platform::Subscription
     observeAvailablePorts(std::function<void(const SerialPortsChange& change)> told);
 
-    // The list by its places. std::out_of_range for an index that is none; std::invalid_argument where indexes do not
-    // ascend or there is not one for each port.
+    // The list by its indexes. std::out_of_range for an index beyond its end; std::invalid_argument where indexes do
+    // not ascend or there is not one for each port.
     [[nodiscard]] std::size_t countOfAvailablePorts() const { return m_availablePorts.size(); }
     [[nodiscard]] std::shared_ptr<SerialPort> objectInAvailablePortsAtIndex(std::size_t index) const;
     void insertAvailablePortsAtIndexes(const SerialPorts& ports, const std::vector<std::size_t>& indexes);

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
-// The list by its places, and the word of its changes.
+// The list by its indexes, and the notification of its changes.
 namespace vorrano::serial {
 
 namespace {

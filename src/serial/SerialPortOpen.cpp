@@ -51,8 +51,8 @@ void SerialPort::setUp(OpenPort& open)
         m_delegate.notifyDelegateOfPosixError(lines.error);
     }
     const auto bits = lines.failed() ? 0 : lines.value;
-    // A setter drives its line only when its value changes: the values are first what the hardware has, then what they
-    // shall be.
+    // A setter drives its line only when its value changes. So the values are first set to those of the hardware, then
+    // to those that are wanted.
     const bool rts = RTS();
     const bool dtr = DTR();
     setRTS((bits & TIOCM_RTS) != 0);
@@ -105,7 +105,7 @@ void SerialPort::didFailToReadLines(const OpenPort& open, int error)
 
 bool SerialPort::close() { return closeOpen(std::nullopt); }
 
-// Closes the open of that number, or whichever there is.
+// Closes the open of that number; without a number the current one.
 bool SerialPort::closeOpen(std::optional<std::uint64_t> number)
 {
     const auto open = m_open.beginClose(number);

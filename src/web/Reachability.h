@@ -42,11 +42,11 @@ public:
     Reachability& operator=(const Reachability&) = delete;
     ~Reachability();
 
-    // True only when changes can be heard of and are being listened to.
+    // True when the notifier runs: the system reports changes, and somebody observes them.
     bool startNotifier();
     void stopNotifier();
 
-    // NotReachable when the flags can't be had.
+    // NotReachable when the flags are not known.
     [[nodiscard]] NetworkStatus currentReachabilityStatus();
     [[nodiscard]] bool connectionRequired();
 

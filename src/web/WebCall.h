@@ -23,7 +23,7 @@ class WebCall {
 public:
     using Handler = std::function<void(const Reply&)>;
 
-    // Keeps the ports of Platform::current().
+    // Keeps the interfaces of Platform::current().
     WebCall();
 
     void fetch(std::string address, Handler handler) const;

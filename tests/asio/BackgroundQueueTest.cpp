@@ -144,8 +144,8 @@ TEST_F(BackgroundQueue, WritesAnExceptionThatLeavesATaskToTheLogAndGoesOn)
 
     EXPECT_TRUE(ran);
     const auto lines = log.lines();
-    EXPECT_THAT(lines, testing::Contains("Uncaught exception of a background task: no milk"));
-    EXPECT_THAT(lines, testing::Contains("Uncaught exception of a background task: no std::exception"));
+    EXPECT_THAT(lines, testing::Contains("Uncaught exception: no milk"));
+    EXPECT_THAT(lines, testing::Contains("Uncaught exception: not a std::exception"));
 }
 
 TEST_F(BackgroundQueue, ReleasesATaskAfterItHasRun)

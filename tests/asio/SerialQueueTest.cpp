@@ -83,8 +83,8 @@ TEST_F(SerialQueue, RefusesATaskThatWaitsForItsOwnQueueInsteadOfHanging)
     serial->sync([&] { serial->sync([&] { ranInner = true; }); });
 
     EXPECT_FALSE(ranInner);
-    EXPECT_THAT(log.lines(), testing::ElementsAre("Uncaught exception of a background task: "
-                                                  "a task of a serial queue waits for its own queue"));
+    EXPECT_THAT(log.lines(),
+                testing::ElementsAre("Uncaught exception: a task of a serial queue waits for its own queue"));
 }
 
 TEST_F(SerialQueue, LetsSyncReturnUnrunOnceThePoolHasEnded)

@@ -277,8 +277,10 @@ void Demo::heal()
 
 void Demo::settle()
 {
-    // A closed port's queue drains by time-outs.
-    m_world.advance(kLongestQueue * kTimeLimit);
+    if (m_mayHaveRequests) {
+        // A closed port's queue drains by time-outs.
+        m_world.advance(kLongestQueue * kTimeLimit);
+    }
     // What is on its way arrives; a device that is left in the middle of something is plugged in anew.
     while (!m_vorrano.isQuiet()) {
         m_world.advance(100ms);

@@ -126,7 +126,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
             self.ended.wait(0.05)
 
     def path_body(self, argument):
-        """A body of that many bytes, without a word of its length before."""
+        """A body of that many bytes, whose length is not announced."""
         self.send_response(200)
         self.send_header("Connection", "close")
         self.end_headers()

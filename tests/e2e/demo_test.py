@@ -72,10 +72,10 @@ def TheCableCanBePulledWhileAnAlertIsUp(world):
     cable_button(world).act("Press")
     wait_for("the Vorrano alone", lambda: face(world, "On its own"))
     world.program.dismiss(alert)
-    wait_for("word of it", lambda: world.program.shows(NO_VORRANO))
+    wait_for("the line about it", lambda: world.program.shows(NO_VORRANO))
 
     cable_button(world).act("Press")
-    wait_for("word of it to go", lambda: not world.program.shows(NO_VORRANO))
+    wait_for("the line about it to go", lambda: not world.program.shows(NO_VORRANO))
     world.program.press("Check network name")
     world.program.expect_alert("Not set\n\n\r", "Success")
 

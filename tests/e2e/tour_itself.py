@@ -18,7 +18,7 @@ from harness.waiting import wait_for  # noqa: E402
 
 BUILD = ""
 TOUR = Path(__file__).resolve().parents[2] / "simulator" / "tour" / "tour.py"
-WITHIN = 240
+WITHIN = 1000
 NOBODY = '{"data":[{"Id":"0"}]}'
 
 

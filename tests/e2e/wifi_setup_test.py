@@ -153,13 +153,13 @@ def KeepsItsNameWhenTheCableIsPulledAndPluggedIn(world):
     assert not world.program.shows(NO_VORRANO)
 
     world.pull_the_cable()
-    wait_for("word of the missing Vorrano", lambda: world.program.shows(NO_VORRANO))
+    wait_for("the line about the missing Vorrano", lambda: world.program.shows(NO_VORRANO))
     world.picture("pulled")
     world.program.press("Reset Vorrano")
     world.program.expect_alert("Finished Resetting Device", "Success")
 
     world.plug_the_cable_in(minor=1)
-    wait_for("word of the missing Vorrano to go", lambda: not world.program.shows(NO_VORRANO))
+    wait_for("the line about the missing Vorrano to go", lambda: not world.program.shows(NO_VORRANO))
     world.program.press("Check network name")
     world.program.expect_alert("Not set\n\n\r", "Success")
     assert world.vorrano.node in world.program.open_files()
@@ -172,9 +172,9 @@ def TakesUpACableThatIsPulledDuringAReply(world):
     world.program.press("Check network name")
     wait_for("the line to be hung up", lambda: not world.vorrano.state["line"]["plugged"])
     world.adapter.unplug()
-    wait_for("word of the missing Vorrano", lambda: world.program.shows(NO_VORRANO))
+    wait_for("the line about the missing Vorrano", lambda: world.program.shows(NO_VORRANO))
     world.plug_the_cable_in()
-    wait_for("word of the missing Vorrano to go", lambda: not world.program.shows(NO_VORRANO))
+    wait_for("the line about the missing Vorrano to go", lambda: not world.program.shows(NO_VORRANO))
 
     world.program.press("Check network name")
     # The query that lost its line may still run out of time.

@@ -270,6 +270,8 @@ TEST_F(Controls, NothingIsPressedNorUnmaskedWhileTheGateIsShut)
     EXPECT_FALSE(box.isChecked());
     EXPECT_EQ(widget<QLineEdit>(view, "password").echoMode(), QLineEdit::Password);
     shut.reset();
+    EXPECT_TRUE(spinUntil([&] { return !pushed.isDown(); }));
+    EXPECT_EQ(presses, 0);
     pressOverTheBus(pushed);
     EXPECT_TRUE(spinUntil([&] { return presses == 1; }));
 }

@@ -1,5 +1,6 @@
 #include "QtProgram.h"
 
+#include <QAbstractButton>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -79,6 +80,24 @@ TEST_F(OpenPanel, HoldsTheMainQueueAndTheOtherControlsBack)
     runQueue();
 
     EXPECT_EQ(heard, 1);
+}
+
+// Qt holds a button that is pressed over the bus down for a moment before it clicks it.
+TEST_F(OpenPanel, IsNotOutlivedByAPressThatWasMadeUnderIt)
+{
+    int heard = 0;
+    window->view()->button("buttonADC").onPress([&](platform::Control&) { ++heard; });
+    auto& button = widget<QAbstractButton>(*window->view(), "buttonADC");
+    whileUp([&](QDialog& panel) {
+        pressOverTheBus(button);
+        EXPECT_TRUE(button.isDown());
+        panel.reject();
+    });
+
+    EXPECT_THAT(openPanel.runModal(), IsEmpty());
+
+    EXPECT_TRUE(spinUntil([&] { return !button.isDown(); }));
+    EXPECT_EQ(heard, 0);
 }
 
 TEST_F(OpenPanel, EndsWithoutAnAnswerWhenTheProgramEnds)

@@ -192,8 +192,8 @@ TEST_F(Windows, SheetIsOverTheMiddleOfItsParentAndBlocksItAlone)
 
     EXPECT_EQ(parentPressed, 0);
     EXPECT_EQ(parent->view()->textField("accountId").text(), "");
-    EXPECT_TRUE(gate.lets(frame(*other)));
-    EXPECT_FALSE(gate.lets(frame(*parent)));
+    EXPECT_TRUE(gate.takesInput(frame(*other)));
+    EXPECT_FALSE(gate.takesInput(frame(*parent)));
     // The window system's frame may shift it a little.
     const QPoint apart = frame(*sheet).geometry().center() - frame(*parent).geometry().center();
     EXPECT_LE(apart.manhattanLength(), 8);
@@ -246,7 +246,7 @@ TEST_F(Windows, ClosingTheParentOrTheSheetByTheProgramEndsTheSheetWith0)
     runQueue();
     EXPECT_THAT(codes, ElementsAre(0, 0));
     EXPECT_TRUE(parent->isVisible());
-    EXPECT_TRUE(gate.lets(frame(*parent)));
+    EXPECT_TRUE(gate.takesInput(frame(*parent)));
 }
 
 TEST_F(Windows, HoldASheetThatNobodyElseHolds)

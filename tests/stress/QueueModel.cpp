@@ -22,19 +22,23 @@ void QueueModel::begin(const QueueStep& step)
     if (m_pending && std::exchange(m_pending->isFirstTestDue, false)) {
         m_complain(m_pending->number, "was written, but not asked before the next step");
     }
-    m_step = {step, pending(), 0};
+    m_step = {step, pending(), !m_pending && !m_waiting.empty(), 0};
     switch (step.kind) {
     case StepKind::Send:
         handOver(step.request);
         break;
     case StepKind::Chunk:
+        ++m_counts.chunks;
         take();
         break;
     case StepKind::Timeout:
         fire(step.request);
         break;
     case StepKind::FollowUp:
-        clear();
+        ++m_counts.followUps;
+        if (!m_step.isStartDue) {
+            clear();
+        }
         break;
     case StepKind::Other:
         break;
@@ -43,12 +47,15 @@ void QueueModel::begin(const QueueStep& step)
 
 void QueueModel::end()
 {
-    const auto [step, before, asked] = std::exchange(m_step, {});
+    if (m_step.step.kind == StepKind::FollowUp && m_step.isStartDue) {
+        clear();
+    }
+    const auto [step, before, wasStartDue, asked] = std::exchange(m_step, {});
     if (step.kind == StepKind::Chunk && before && isTested(*before) && asked != 1) {
         m_complain(before, "is asked " + std::to_string(asked) + " times for one chunk");
     }
-    if (step.kind == StepKind::Send && !before && m_waiting.size() == 1 && m_waiting.front() == step.request) {
-        m_complain(step.request, "does not start though nothing is pending");
+    if (step.kind == StepKind::Send && !m_pending && !m_waiting.empty()) {
+        m_complain(m_waiting.front(), "does not start though nothing is pending");
     }
     if (std::exchange(m_isTimerStopped, false)) {
         m_complain(m_timer, "has a timer that was stopped before its end");
@@ -76,6 +83,9 @@ Number QueueModel::starts(std::chrono::nanoseconds limit)
     if (std::chrono::round<std::chrono::microseconds>(limit) != m_requests[request].limit) {
         m_complain(request, "is lost: a later one starts in its turn");
     }
+    if (m_pending && m_step.step.kind == StepKind::FollowUp && std::exchange(m_step.isStartDue, false)) {
+        clear();
+    }
     if (m_pending) {
         m_complain(m_pending->number, "is pending while the next one starts");
     }
@@ -89,7 +99,14 @@ Number QueueModel::starts(std::chrono::nanoseconds limit)
 }
 
 // In the step that starts the next request the old one's timer may go before.
-void QueueModel::stopsTimer(Number request) { m_isTimerStopped = m_isTimerStopped || m_timer == request; }
+void QueueModel::stopsTimer(Number request)
+{
+    if (m_step.step.kind == StepKind::Chunk && m_step.isStartDue && pending() == request) {
+        take();
+    } else if (m_timer == request) {
+        m_isTimerStopped = true;
+    }
+}
 
 bool QueueModel::isSendOf(Number request) const
 {
@@ -139,7 +156,6 @@ void QueueModel::asks(Number request, const std::string& bytes, bool answer)
 // A chunk is the response of a request without a response test that could not be written.
 void QueueModel::take()
 {
-    ++m_counts.chunks;
     if (m_pending && !isTested(m_pending->number)) {
         const auto request = m_pending->number;
         accept();
@@ -175,7 +191,6 @@ void QueueModel::fire(Number request)
 // The step that follows a time-out clears whatever is pending by then. A timer that still runs goes on.
 void QueueModel::clear()
 {
-    ++m_counts.followUps;
     if (!m_pending) {
         ++m_counts.clearedNothing;
         return;

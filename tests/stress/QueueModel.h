@@ -61,6 +61,8 @@ private:
     struct CurrentStep {
         QueueStep step;
         std::optional<Number> pendingBefore;
+        // The response came before, and the request that waits starts before the step does what it is there for.
+        bool isStartDue = false;
         int asked = 0;
     };
 

@@ -212,7 +212,7 @@ void FakeDeviceRegistry::expectMainThread() const
     EXPECT_TRUE(m_mainQueue.isMainThread()) << "the device registry is the main thread's";
 }
 
-// A device can be read while it is present, until the word of its going has been handled, and while a list holds it.
+// A device can be read while it is present, until its removal has been handled, and while a list holds it.
 bool FakeDeviceRegistry::isReadable(DeviceHandle device) const
 {
     const auto holds = [device](const std::deque<DeviceHandle>& devices) {

@@ -64,7 +64,7 @@ public:
     [[nodiscard]] std::unique_ptr<platform::ReachabilityReference>
     createWithAddress(const platform::SocketAddress& address) override;
 
-    // The flags of every reference; none: they can't be had.
+    // The flags of every reference; none: the system does not tell them.
     void setFlags(std::optional<platform::ReachabilityFlags> flags);
 
     // The same, and tells the references that are scheduled, by the main queue.

@@ -1,5 +1,7 @@
 #include "support/VirtualTime.h"
 
+#include "platform/Guarded.h"
+
 #include <algorithm>
 #include <exception>
 #include <stdexcept>
@@ -271,9 +273,9 @@ void VirtualTime::runGuarded(const Task& task) const
     } catch (const Unwound&) {
         throw;
     } catch (const std::exception& exception) {
-        m_log.write(std::string("Uncaught exception: ") + exception.what());
+        platform::logUncaught(m_log, exception.what());
     } catch (...) {
-        m_log.write("Uncaught exception");
+        platform::logUncaught(m_log, "not a std::exception");
     }
 }
 

@@ -1,10 +1,8 @@
 #include "platform/asio/AsioPool.h"
 
-#include "platform/SystemLog.h"
+#include "platform/Guarded.h"
 #include "platform/asio/SignalsBlocked.h"
 
-#include <exception>
-#include <string>
 #include <system_error>
 
 #include <pthread.h>
@@ -28,13 +26,7 @@ void AsioPool::run(const platform::Task& task) noexcept
     if (isStopped()) {
         return;
     }
-    try {
-        task();
-    } catch (const std::exception& thrown) {
-        report(thrown.what());
-    } catch (...) {
-        report("no std::exception");
-    }
+    platform::guarded(m_log, task);
 }
 
 void AsioPool::reserveThread()
@@ -61,7 +53,7 @@ void AsioPool::addThread()
     } catch (const std::system_error& refused) {
         // The work waits for a thread that becomes free.
         m_threads.erase(place);
-        report(refused.what());
+        platform::logUncaught(m_log, refused.what());
     }
 }
 
@@ -145,15 +137,6 @@ bool AsioPool::waitUntilAllLeft(std::optional<std::chrono::nanoseconds> limit)
         }
     }
     return true;
-}
-
-void AsioPool::report(const char* what) noexcept
-{
-    try {
-        m_log.write(std::string("Uncaught exception of a background task: ") + what);
-    } catch (...) {
-        // There is nobody left to tell.
-    }
 }
 
 } // namespace vorrano::asio_platform

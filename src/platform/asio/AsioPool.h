@@ -81,7 +81,6 @@ private:
     void serve(Threads::iterator self);
     [[nodiscard]] bool leavesAsSurplus();
     void leave(Threads::iterator self);
-    void report(const char* what) noexcept;
 
     platform::SystemLog& m_log;
     asio::io_context m_context;

@@ -76,13 +76,13 @@ CurlFetch::Transfer::Transfer(CurlFetch& fetch)
     , m_multi(curl_multi_init())
     , m_easy(curl_easy_init())
 {
-    const std::lock_guard lock(m_fetch.m_transfersMutex);
+    const platform::MutexLock lock(m_fetch.m_transfersMutex);
     m_fetch.m_transfers.insert(this);
 }
 
 CurlFetch::Transfer::~Transfer()
 {
-    const std::lock_guard lock(m_fetch.m_transfersMutex);
+    const platform::MutexLock lock(m_fetch.m_transfersMutex);
     m_fetch.m_transfers.erase(this);
 }
 
@@ -232,7 +232,7 @@ std::optional<std::string> CurlFetch::contentsOfUrl(const std::string& address)
 void CurlFetch::abort()
 {
     m_aborted = true;
-    const std::lock_guard lock(m_transfersMutex);
+    const platform::MutexLock lock(m_transfersMutex);
     for (auto* transfer : m_transfers) {
         transfer->wakeUp();
     }

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/UrlFetch.h"
 
 #include <atomic>
 #include <chrono>
 #include <cstddef>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -40,8 +40,8 @@ private:
     const Limits m_limits;
     const std::string m_authorities;
     std::atomic<bool> m_aborted = false;
-    std::mutex m_transfersMutex;
-    std::set<Transfer*> m_transfers;
+    platform::Mutex m_transfersMutex;
+    std::set<Transfer*> m_transfers VORRANO_GUARDED_BY(m_transfersMutex);
 };
 
 } // namespace vorrano::curl_platform

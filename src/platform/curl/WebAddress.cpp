@@ -59,7 +59,7 @@ std::optional<WebScheme> webSchemeOf(std::string_view address)
     const auto authority = takeUpTo(address, "/?#");
     const auto pathAndQuery = takeUpTo(address, "#");
     const auto fragment = address.substr(std::min<std::size_t>(1, address.size()));
-    // The fragment goes to nobody, so a second "#" in it does no harm: a name that holds two is cut at the first.
+    // The fragment is not sent, so a second "#" in it does no harm: a name that holds two is cut at the first.
     const bool isWellFormed = hasHost(authority) && consistsOf(authority, "-._~!$&'()*+,;=:@[]") &&
                               consistsOf(pathAndQuery, "-._~!$&'()*+,;=:@/?") &&
                               consistsOf(fragment, "-._~!$&'()*+,;=:@/?#");

@@ -55,12 +55,13 @@ public:
     // Replaces what is known of a device that has a use.
     void update(platform::DeviceHandle device, SerialDevice newest);
 
-    // A list with one holder. One with a callback is a watch: it is told of devices that are appended once it has been
-    // walked to its end.
+    // A list with one holder. A list with a callback is a watch: the callback reports devices that are appended after
+    // the list has been walked to its end.
     [[nodiscard]] platform::DeviceIterator addList(const std::vector<platform::DeviceHandle>& devices, Told told);
     [[nodiscard]] bool isList(platform::DeviceIterator list) const { return m_lists.contains(list); }
 
-    // Appends the device to the list and tells its watcher, unless the watcher has yet to walk what it was told before.
+    // Appends the device to the list and calls the watch's callback, unless the list has not been walked to its end
+    // since the last call.
     void append(platform::DeviceIterator list, platform::DeviceHandle device);
 
     platform::DeviceHandle next(platform::DeviceIterator list);

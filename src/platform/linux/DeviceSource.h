@@ -36,7 +36,7 @@ public:
     DeviceSource& operator=(const DeviceSource&) = delete;
     virtual ~DeviceSource() = default;
 
-    // Begins to listen; false when that can't be had.
+    // Begins to listen; false on failure.
     virtual bool start() = 0;
 
     // Readable when an event waits.
@@ -45,7 +45,7 @@ public:
     // The next event that waits; none when none does.
     [[nodiscard]] virtual std::optional<TtyEvent> receive() = 0;
 
-    // All ttys of the system by their sysfs paths; none when they can't be had.
+    // All ttys of the system by their sysfs paths; none on failure.
     [[nodiscard]] virtual std::optional<std::vector<TtyFacts>> enumerate() = 0;
 
     // The number of the system's last event so far; 0 when it is not known.

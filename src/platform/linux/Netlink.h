@@ -22,7 +22,7 @@ using AddressBytes = std::vector<std::uint8_t>;
 // The route that the system chooses to an address; a refusing one when there is none.
 [[nodiscard]] std::optional<Route> readRouteTo(const AddressBytes& address);
 
-// Word of changes of links, addresses and routes.
+// Reports changes of links, addresses and routes.
 //
 // Threads: one.
 class NetlinkMonitor {

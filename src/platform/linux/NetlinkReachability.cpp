@@ -71,13 +71,13 @@ Flags flagsOfHost(const std::string& host)
 
 using Read = std::function<Flags()>;
 
-// How the flags are had: at once on the calling thread, or only by waiting for name servers.
+// How to find the flags: at once on the calling thread, or by waiting for name servers.
 struct Target {
     Read read;
     bool waits = false;
 };
 
-// Word of changes for as long as it lives.
+// Reports changes for as long as it lives.
 class Notifier : public std::enable_shared_from_this<Notifier> {
 public:
     using Told = std::function<void(ReachabilityFlags)>;

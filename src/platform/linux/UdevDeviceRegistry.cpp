@@ -64,7 +64,7 @@ void UdevDeviceRegistry::release(std::uint32_t handle)
 
 std::optional<std::string> UdevDeviceRegistry::nodeOfCalloutPath(const std::string& path) const
 {
-    const std::lock_guard lock(m_nodesMutex);
+    const platform::MutexLock lock(m_nodesMutex);
     const auto found = m_nodesByCalloutPath.find(path);
     return found == m_nodesByCalloutPath.end() ? std::nullopt : std::optional(found->second);
 }
@@ -126,7 +126,8 @@ void UdevDeviceRegistry::handle(const TtyRemoved& removed)
     if (known == m_present.end()) {
         return;
     }
-    // One that the enumeration found had come again since that removal, unless it was just going.
+    // The enumeration came after this removal and found the device: it is plugged in again, unless it was listed while
+    // it went.
     if (wasSeenByEnumeration(removed.number) && m_source->exists(removed.sysPath)) {
         return;
     }
@@ -180,8 +181,8 @@ std::optional<std::vector<SerialDevice>> UdevDeviceRegistry::enumerate()
 
 DeviceHandle UdevDeviceRegistry::add(const SerialDevice& device)
 {
-    const std::lock_guard lock(m_nodesMutex);
-    const auto isFree = [this](const std::string& path) { return !m_nodesByCalloutPath.contains(path); };
+    const platform::MutexLock lock(m_nodesMutex);
+    const auto isFree = [&nodes = m_nodesByCalloutPath](const std::string& path) { return !nodes.contains(path); };
     const auto free = std::find_if(device.calloutPaths.begin(), device.calloutPaths.end(), isFree);
     const auto& path = free == device.calloutPaths.end() ? device.calloutPaths.back() : *free;
     m_nodesByCalloutPath[path] = device.node;
@@ -194,7 +195,7 @@ void UdevDeviceRegistry::remove(Present::iterator device)
     const auto handle = device->device();
     post(DeviceEvent::Terminated, handle);
     {
-        const std::lock_guard lock(m_nodesMutex);
+        const platform::MutexLock lock(m_nodesMutex);
         m_nodesByCalloutPath.erase(m_handles.find(handle)->calloutPath);
     }
     m_present.erase(device);

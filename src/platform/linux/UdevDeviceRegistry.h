@@ -2,6 +2,7 @@
 
 #include "platform/DeviceRegistry.h"
 #include "platform/MainQueue.h"
+#include "platform/Mutex.h"
 #include "platform/linux/DeviceHandles.h"
 #include "platform/linux/DeviceSource.h"
 
@@ -11,7 +12,6 @@
 #include <list>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,10 +22,10 @@ namespace vorrano::linux_platform {
 
 // The serial devices that udev knows.
 //
-// It begins to listen with the first question asked of it, and needs the main thread's event loop from then on. What
-// comes and goes is known at once (nodeOfCalloutPath() answers accordingly) and told on the main queue, one event per
-// task, the next once what the one before left to the queue has run.
-// Lifetime: the queue outlives it; what the queue still holds of it does nothing once it has gone.
+// It begins to listen with the first call, and needs the main thread's event loop from then on. A device that comes or
+// goes is known at once (nodeOfCalloutPath() answers accordingly). It is reported on the main queue, one event per
+// task; the next event waits until the tasks that the one before it submitted have run. Lifetime: the queue outlives
+// it; what the queue still holds of it does nothing once it has gone.
 class UdevDeviceRegistry final : public platform::DeviceRegistry {
 public:
     explicit UdevDeviceRegistry(platform::MainQueue& mainQueue);
@@ -50,7 +50,7 @@ private:
     struct WatchEntry {
         platform::DeviceIterator list;
         platform::DeviceEvent kind;
-        // The number of the last event whose outcome it was given as its list at the start.
+        // Events up to this number are part of the list that the watch started with.
         std::uint64_t since;
     };
     using Present = std::list<DeviceHandles::Use>;
@@ -86,8 +86,8 @@ private:
     bool m_isDelivering = false;
     std::vector<WatchEntry> m_watches;
 
-    mutable std::mutex m_nodesMutex;
-    std::map<std::string, std::string> m_nodesByCalloutPath;
+    mutable platform::Mutex m_nodesMutex;
+    std::map<std::string, std::string> m_nodesByCalloutPath VORRANO_GUARDED_BY(m_nodesMutex);
 
     // Held weakly by the tasks on the main queue.
     std::shared_ptr<UdevDeviceRegistry*> m_self;

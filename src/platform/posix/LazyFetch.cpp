@@ -31,7 +31,7 @@ std::optional<std::string> LazyFetch::contentsOfUrl(const std::string& address)
 
 void LazyFetch::abort()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     m_aborted = true;
     if (m_fetch) {
         m_fetch->abort();
@@ -40,7 +40,7 @@ void LazyFetch::abort()
 
 platform::UrlFetch* LazyFetch::loaded()
 {
-    const std::lock_guard lock(m_mutex);
+    const platform::MutexLock lock(m_mutex);
     if (m_aborted) {
         return nullptr;
     }

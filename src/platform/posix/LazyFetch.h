@@ -1,9 +1,9 @@
 #pragma once
 
+#include "platform/Mutex.h"
 #include "platform/UrlFetch.h"
 
 #include <memory>
-#include <mutex>
 
 namespace vorrano::platform {
 class SystemLog;
@@ -32,9 +32,10 @@ private:
 
     platform::SystemLog& m_log;
     const char* const m_module;
-    std::mutex m_mutex; // of what follows; held while the module is loaded, never during a fetch
-    std::unique_ptr<platform::UrlFetch> m_fetch;
-    bool m_aborted = false;
+    // Held while the module is loaded, never during a fetch.
+    platform::Mutex m_mutex;
+    std::unique_ptr<platform::UrlFetch> m_fetch VORRANO_GUARDED_BY(m_mutex);
+    bool m_aborted VORRANO_GUARDED_BY(m_mutex) = false;
 };
 
 } // namespace vorrano::posix_platform

@@ -8,8 +8,8 @@
 
 namespace vorrano::posix_platform {
 
-// The permissions of a device's node, and the programs that /proc shows to have it open: those of this person, or all
-// for root.
+// The permissions of a device's node, and the programs that have it open according to /proc: those of this person, or
+// all for root.
 //
 // Lifetime: the registry outlives it.
 class PosixPortAccess final : public platform::PortAccess {

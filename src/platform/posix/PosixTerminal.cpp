@@ -186,7 +186,7 @@ void PosixTerminal::wait(std::chrono::microseconds duration, std::chrono::micros
 {
     setTimerSlack(leeway);
     std::this_thread::sleep_for(duration);
-    // The thread is the pool's and has other work next.
+    // The thread belongs to the pool and runs other work next: give it the default back.
     setTimerSlack({});
 }
 

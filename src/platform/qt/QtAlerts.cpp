@@ -29,8 +29,8 @@ QString toQString(const std::optional<std::string>& text)
     return QString::fromStdString(text.value_or(std::string()));
 }
 
-// A mnemonic would change the button's text.
-QString withoutMnemonic(const std::string& text)
+// The title to the letter: a single ampersand would make the next character a mnemonic.
+QString withAmpersandsEscaped(const std::string& text)
 {
     return QString::fromStdString(text).replace(u'&', QStringLiteral("&&"));
 }
@@ -54,7 +54,7 @@ public:
         }
         showIcon(alert.style);
         for (const auto& title : alert.buttons) {
-            m_buttons.push_back(addButton(withoutMnemonic(title), QMessageBox::AcceptRole));
+            m_buttons.push_back(addButton(withAmpersandsEscaped(title), QMessageBox::AcceptRole));
         }
         if (!m_buttons.empty()) {
             setDefaultButton(m_buttons.front());

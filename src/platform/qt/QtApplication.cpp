@@ -1,6 +1,6 @@
 #include "platform/qt/QtApplication.h"
 
-#include "platform/qt/Guarded.h"
+#include "platform/Guarded.h"
 
 #include <QEvent>
 #include <QIcon>
@@ -35,7 +35,7 @@ bool QtApplication::notify(QObject* receiver, QEvent* event)
         return true;
     }
     bool handled = false;
-    guarded(m_log, [&] { handled = QApplication::notify(receiver, event); });
+    platform::guarded(m_log, [&] { handled = QApplication::notify(receiver, event); });
     return handled;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Controls.h"
-#include "platform/qt/Guarded.h"
+#include "platform/Guarded.h"
 #include "platform/qt/QtGate.h"
 
 #include <QObject>
@@ -20,12 +20,12 @@ struct QtSurroundings {
     platform::SystemLog& log;
 };
 
-// What all controls have in common. `Port` is the control as the logic sees it, `Widget` what it is on screen.
+// What all controls have in common. `Interface` is the control as the logic sees it, `Widget` what it is on screen.
 //
-// Lifetime: the widget outlives the control. Connections to it hang on context(), so that a widget that is still being
-// taken down calls nobody.
-template <class Port, class Widget>
-class QtControl : public Port {
+// Lifetime: the widget outlives the control. Connections to it hang on context(), so that a widget that is being
+// destroyed calls no handler.
+template <class Interface, class Widget>
+class QtControl : public Interface {
 public:
     QtControl(Widget& widget, const QtSurroundings& surroundings)
         : m_widget(widget)
@@ -44,13 +44,13 @@ protected:
     [[nodiscard]] const QObject* context() const { return &m_context; }
 
     // Whether what the person does to the control counts now.
-    [[nodiscard]] bool letsThrough() const { return m_surroundings.gate.lets(m_widget) && m_widget.isEnabled(); }
+    [[nodiscard]] bool takesInput() const { return m_surroundings.gate.takesInput(m_widget) && m_widget.isEnabled(); }
 
     // Calls the handler; the control may be gone when it returns.
     void deliver(const platform::Action& action)
     {
         if (const platform::Action told = action) {
-            guarded(m_surroundings.log, [&] { told(*this); });
+            platform::guarded(m_surroundings.log, [&] { told(*this); });
         }
     }
 

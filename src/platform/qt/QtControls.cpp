@@ -7,8 +7,11 @@ namespace vorrano::qt {
 QtButton::QtButton(QAbstractButton& button, const QtSurroundings& surroundings)
     : QtControl(button, surroundings)
 {
+    // A button that is pressed over the accessibility bus stays down for 0.1 s and is clicked then. Both have to count:
+    // what was pressed under an alert does nothing after it.
+    QObject::connect(&button, &QAbstractButton::pressed, context(), [this] { m_pressCounts = takesInput(); });
     QObject::connect(&button, &QAbstractButton::clicked, context(), [this] {
-        if (letsThrough()) {
+        if (m_pressCounts && takesInput()) {
             deliver(m_press);
         }
     });

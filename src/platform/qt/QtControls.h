@@ -16,6 +16,7 @@ public:
 
 private:
     platform::Action m_press;
+    bool m_pressCounts = false;
 };
 
 class QtLabel final : public QtControl<platform::Label, QLabel> {

@@ -15,7 +15,7 @@ QtGate::QtGate(QtMainQueue& queue)
     : m_queue(queue)
 {}
 
-bool QtGate::lets(const QWidget& widget) const
+bool QtGate::takesInput(const QWidget& widget) const
 {
     const auto blocked = std::find(m_blocked.begin(), m_blocked.end(), widget.window()) != m_blocked.end();
     return m_shut == 0 && m_dialogs.empty() && !blocked;

@@ -13,7 +13,7 @@ class QtMainQueue;
 
 // Knows which windows take no input: all of them while an alert or an open panel is up or a pause runs, and the one
 // under a sheet. What comes over the accessibility bus is no input event and passes Qt's own modality, so every control
-// asks here before it tells anybody of what the person did.
+// asks here before it calls its handler.
 //
 // Threads: the main thread. Lifetime: outlives all windows and whatever it handed out.
 class QtGate {
@@ -21,7 +21,7 @@ public:
     explicit QtGate(QtMainQueue& queue);
 
     // Whether what the person does to this widget counts now.
-    [[nodiscard]] bool lets(const QWidget& widget) const;
+    [[nodiscard]] bool takesInput(const QWidget& widget) const;
 
     // The window is under a sheet until the result is dropped.
     [[nodiscard]] platform::Subscription block(const QWidget& window);

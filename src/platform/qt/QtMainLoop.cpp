@@ -1,7 +1,7 @@
 #include "platform/qt/QtMainLoop.h"
 
+#include "platform/Guarded.h"
 #include "platform/NotificationCentre.h"
-#include "platform/qt/Guarded.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtGate.h"
 #include "platform/qt/QtMainQueue.h"

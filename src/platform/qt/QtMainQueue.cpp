@@ -1,6 +1,6 @@
 #include "platform/qt/QtMainQueue.h"
 
-#include "platform/qt/Guarded.h"
+#include "platform/Guarded.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -14,10 +14,12 @@
 
 namespace vorrano::qt {
 
+using platform::Mutex;
+using platform::MutexLock;
 using platform::Subscription;
 using platform::Task;
 
-// Turns the queue's wake-ups into events of the main thread, and is what its timers hang on.
+// Turns the queue's wake-ups into events of the main thread, and owns its timers.
 class QtMainQueue::Waker : public QObject {
 public:
     explicit Waker(QtMainQueue& queue)
@@ -39,12 +41,12 @@ private:
     QtMainQueue& m_queue;
 };
 
-// Where a caller of sync() waits. An entry that is dropped lets it go.
+// Where a caller of sync() waits. When the entry is dropped, the caller goes on.
 class QtMainQueue::Waiter {
 public:
     void finish(bool ran)
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_ran = ran;
         m_finished = true;
         m_condition.notify_all();
@@ -52,16 +54,18 @@ public:
 
     bool wait()
     {
-        std::unique_lock lock(m_mutex);
-        m_condition.wait(lock, [this] { return m_finished; });
+        const MutexLock lock(m_mutex);
+        while (!m_finished) {
+            m_condition.wait(m_mutex);
+        }
         return m_ran;
     }
 
 private:
-    std::mutex m_mutex;
-    std::condition_variable m_condition;
-    bool m_finished = false;
-    bool m_ran = false;
+    Mutex m_mutex;
+    std::condition_variable_any m_condition;
+    bool m_finished VORRANO_GUARDED_BY(m_mutex) = false;
+    bool m_ran VORRANO_GUARDED_BY(m_mutex) = false;
 };
 
 QtMainQueue::QtMainQueue(platform::SystemLog& log)
@@ -74,7 +78,7 @@ QtMainQueue::~QtMainQueue()
 {
     Lane dropped;
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_ended = true;
         dropped.swap(m_tasks);
         std::move(m_pastAlerts.begin(), m_pastAlerts.end(), std::back_inserter(dropped));
@@ -87,13 +91,13 @@ QtMainQueue::~QtMainQueue()
     }
 }
 
-void QtMainQueue::async(Task task) { submit(m_tasks, {std::move(task), nullptr}); }
+void QtMainQueue::async(Task task) { submit(&QtMainQueue::m_tasks, {std::move(task), nullptr}); }
 
-void QtMainQueue::asyncPastAlerts(Task task) { submit(m_pastAlerts, {std::move(task), nullptr}); }
+void QtMainQueue::asyncPastAlerts(Task task) { submit(&QtMainQueue::m_pastAlerts, {std::move(task), nullptr}); }
 
 void QtMainQueue::asyncFirst(Task task)
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     if (m_ended) {
         return;
     }
@@ -105,22 +109,22 @@ bool QtMainQueue::sync(Task task)
 {
     if (!isMainThread()) {
         const auto waiter = std::make_shared<Waiter>();
-        return submit(m_tasks, {std::move(task), waiter}) && waiter->wait();
+        return submit(&QtMainQueue::m_tasks, {std::move(task), waiter}) && waiter->wait();
     }
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         if (m_ended) {
             return false;
         }
     }
-    guarded(m_log, task);
+    platform::guarded(m_log, task);
     return true;
 }
 
 void QtMainQueue::after(std::chrono::nanoseconds delay, Task task)
 {
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         if (m_ended) {
             return;
         }
@@ -137,13 +141,13 @@ void QtMainQueue::after(std::chrono::nanoseconds delay, Task task)
 
 bool QtMainQueue::isMainThread() const { return std::this_thread::get_id() == m_mainThread; }
 
-bool QtMainQueue::submit(Lane& lane, Entry entry)
+bool QtMainQueue::submit(Lane QtMainQueue::*lane, Entry entry)
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     if (m_ended) {
         return false;
     }
-    lane.push_back(std::move(entry));
+    (this->*lane).push_back(std::move(entry));
     wakeIfReady();
     return true;
 }
@@ -171,7 +175,7 @@ void QtMainQueue::runNext()
 {
     Entry entry;
     {
-        const std::lock_guard lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_woken = false;
         Lane* const lane = readyLane();
         if (lane == nullptr) {
@@ -186,31 +190,31 @@ void QtMainQueue::runNext()
 
 void QtMainQueue::run(Entry entry)
 {
-    guarded(m_log, entry.task);
+    platform::guarded(m_log, entry.task);
     entry.task = nullptr;
     if (entry.waiter) {
         entry.waiter->finish(true);
     }
 }
 
-Subscription QtMainQueue::count(int& holds)
+Subscription QtMainQueue::count(int QtMainQueue::*holds)
 {
-    const std::lock_guard lock(m_mutex);
-    ++holds;
-    return Subscription([this, &holds] {
-        const std::lock_guard locked(m_mutex);
-        --holds;
+    const MutexLock lock(m_mutex);
+    ++(this->*holds);
+    return Subscription([this, holds] {
+        const MutexLock locked(m_mutex);
+        --(this->*holds);
         wakeIfReady();
     });
 }
 
-Subscription QtMainQueue::hold() { return count(m_holds); }
+Subscription QtMainQueue::hold() { return count(&QtMainQueue::m_holds); }
 
-Subscription QtMainQueue::holdEverything() { return count(m_holdsOfEverything); }
+Subscription QtMainQueue::holdEverything() { return count(&QtMainQueue::m_holdsOfEverything); }
 
 bool QtMainQueue::isHeld() const
 {
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_holds + m_holdsOfEverything > 0;
 }
 
@@ -219,7 +223,7 @@ void QtMainQueue::endAndDrain()
     while (true) {
         Entry entry;
         {
-            const std::lock_guard lock(m_mutex);
+            const MutexLock lock(m_mutex);
             Lane& lane = m_pastAlerts.empty() ? m_tasks : m_pastAlerts;
             if (lane.empty()) {
                 m_ended = true;

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "platform/MainQueue.h"
+#include "platform/Mutex.h"
 #include "platform/Subscription.h"
 
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <thread>
 
 namespace vorrano::platform {
@@ -42,7 +42,7 @@ public:
     [[nodiscard]] platform::Subscription holdEverything();
     [[nodiscard]] bool isHeld() const;
 
-    // Runs whatever waits, whoever holds it, until nothing is left; from then on nothing is taken any more.
+    // Runs all tasks, held back or not, until none is left. Later tasks are refused.
     void endAndDrain();
 
 private:
@@ -54,22 +54,22 @@ private:
     };
     using Lane = std::deque<Entry>;
 
-    bool submit(Lane& lane, Entry entry);
-    Lane* readyLane();
-    void wakeIfReady();
+    bool submit(Lane QtMainQueue::*lane, Entry entry);
+    Lane* readyLane() VORRANO_REQUIRES(m_mutex);
+    void wakeIfReady() VORRANO_REQUIRES(m_mutex);
     void runNext();
     void run(Entry entry);
-    platform::Subscription count(int& holds);
+    platform::Subscription count(int QtMainQueue::*holds);
 
     platform::SystemLog& m_log;
     const std::thread::id m_mainThread;
-    mutable std::mutex m_mutex;
-    Lane m_tasks;
-    Lane m_pastAlerts;
-    int m_holds = 0;
-    int m_holdsOfEverything = 0;
-    bool m_woken = false;
-    bool m_ended = false;
+    mutable platform::Mutex m_mutex;
+    Lane m_tasks VORRANO_GUARDED_BY(m_mutex);
+    Lane m_pastAlerts VORRANO_GUARDED_BY(m_mutex);
+    int m_holds VORRANO_GUARDED_BY(m_mutex) = 0;
+    int m_holdsOfEverything VORRANO_GUARDED_BY(m_mutex) = 0;
+    bool m_woken VORRANO_GUARDED_BY(m_mutex) = false;
+    bool m_ended VORRANO_GUARDED_BY(m_mutex) = false;
     std::unique_ptr<Waker> m_waker;
 };
 

@@ -16,7 +16,7 @@ QtPopUpButton::QtPopUpButton(PickList& list, const QtSurroundings& surroundings)
     // already; one over the accessibility bus is a change of the index alone.
     QObject::connect(&list, &QComboBox::currentIndexChanged, context(), [this] { indexChanged(); });
     QObject::connect(&list, &QComboBox::activated, context(), [this] { activated(); });
-    list.mayOpen([this] { return letsThrough(); });
+    list.mayOpen([this] { return takesInput(); });
 }
 
 QtPopUpButton::~QtPopUpButton() { widget().mayOpen(nullptr); }
@@ -59,7 +59,7 @@ void QtPopUpButton::indexChanged()
     if (m_ownChange) {
         return;
     }
-    if (!letsThrough()) {
+    if (!takesInput()) {
         changeMyself([this] { widget().setCurrentIndex(m_index); });
         return;
     }
@@ -75,7 +75,7 @@ void QtPopUpButton::indexChanged()
 
 void QtPopUpButton::activated()
 {
-    if (letsThrough()) {
+    if (takesInput()) {
         m_untold = false;
         deliver(m_choose);
     }

@@ -21,11 +21,11 @@ QtTabView::QtTabView(TabWidget& tabs, const QtSurroundings& surroundings)
     }
     QObject::connect(&tabs, &QTabWidget::currentChanged, context(), [this](int index) { currentChanged(index); });
     tabs.bar().onChosenAgain([this] {
-        if (letsThrough()) {
+        if (takesInput()) {
             tell();
         }
     });
-    tabs.bar().mayChoose([this] { return letsThrough(); });
+    tabs.bar().mayChoose([this] { return takesInput(); });
 }
 
 QtTabView::~QtTabView()
@@ -68,7 +68,7 @@ void QtTabView::currentChanged(int index)
     if (m_ownChange) {
         return;
     }
-    if (!letsThrough()) {
+    if (!takesInput()) {
         m_ownChange = true;
         widget().setCurrentIndex(m_index);
         m_ownChange = false;
@@ -81,7 +81,7 @@ void QtTabView::currentChanged(int index)
 void QtTabView::tell()
 {
     if (const auto told = m_select) {
-        guarded(surroundings().log, told);
+        platform::guarded(surroundings().log, told);
     }
 }
 

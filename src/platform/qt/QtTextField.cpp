@@ -54,7 +54,7 @@ void QtTextField::textChanged()
     if (m_ownChange) {
         return;
     }
-    if (!letsThrough()) {
+    if (!takesInput()) {
         show(m_text, m_cursor);
         return;
     }

@@ -135,7 +135,7 @@ void QtView::connectReveals(QWidget& widget)
         const auto hidden = field->echoMode();
         QObject::connect(box, &QCheckBox::toggled, field,
                          [&gate = m_surroundings.gate, box, field, hidden](bool shown) {
-                             if (gate.lets(*box)) {
+                             if (gate.takesInput(*box)) {
                                  field->setEchoMode(shown ? QLineEdit::Normal : hidden);
                                  return;
                              }

@@ -46,7 +46,7 @@ protected:
 
     void closeEvent(QCloseEvent* event) override
     {
-        if (m_owner == nullptr || !m_owner->m_surroundings.gate.lets(*this)) {
+        if (m_owner == nullptr || !m_owner->m_surroundings.gate.takesInput(*this)) {
             event->ignore();
             return;
         }

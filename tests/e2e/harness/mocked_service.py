@@ -35,9 +35,12 @@ class MockedService:
         self._bus = dbus.bus.BusConnection(address)
         wait_for(name, lambda: self._bus.name_has_owner(name), START)
 
+    def object(self, path):
+        return self._bus.get_object(self._name, path)
+
     def mock(self, path):
         """The mock's own methods of an object."""
-        return dbus.Interface(self._bus.get_object(self._name, path), "org.freedesktop.DBus.Mock")
+        return dbus.Interface(self.object(path), "org.freedesktop.DBus.Mock")
 
 
 @contextlib.contextmanager

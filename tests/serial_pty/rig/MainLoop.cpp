@@ -1,8 +1,8 @@
 #include "serial_pty/rig/MainLoop.h"
 
-#include <exception>
+#include "platform/Guarded.h"
+
 #include <stdexcept>
-#include <string>
 #include <utility>
 
 namespace vorrano::pty_rig {
@@ -111,11 +111,7 @@ bool MainLoop::runOne()
         item = std::move(m_items.front());
         m_items.pop_front();
     }
-    try {
-        item.task();
-    } catch (const std::exception& exception) {
-        m_log.write(std::string("Uncaught exception: ") + exception.what());
-    }
+    platform::guarded(m_log, item.task);
     if (item.waiter) {
         item.waiter->finish(true);
     }

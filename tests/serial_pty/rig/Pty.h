@@ -13,7 +13,7 @@ namespace vorrano::pty_rig {
 // Threads: one at a time.
 class Pty {
 public:
-    // std::system_error when there is none to be had.
+    // std::system_error when none can be made.
     Pty();
     Pty(const Pty&) = delete;
     Pty& operator=(const Pty&) = delete;

@@ -1,4 +1,5 @@
 #include "cloud/AccountForm.h"
+#include "support/FilledAccount.h"
 
 using namespace vorrano;
 using cloud::AccountForm;
@@ -7,19 +8,8 @@ namespace {
 
 AccountForm filledForm()
 {
-    return {{.accountID = "ada1815",
-             .password = "secret1",
-             .guestPassword = "guest22",
-             .email = "ada@host.example",
-             .name = "Ada",
-             .address = "1 Main St",
-             .address2 = "Top",
-             .cityName = "Town",
-             .stateName = "ST",
-             .countryName = "Land",
-             .zipCode = "12345"},
-            "secret1",
-            "guest22"};
+    const auto account = support::filledAccount();
+    return {account, account.password, account.guestPassword};
 }
 
 using Change = void (*)(AccountForm&);

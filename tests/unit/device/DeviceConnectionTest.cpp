@@ -371,7 +371,7 @@ TEST_F(ATabByItself, SurvivesAPortThatIsGoneBeforeItIsTaken)
     const auto ports = serial::SerialPortManager::sharedSerialPortManager();
     world.unplug("/dev/cu.usbserial-A1B2");
 
-    // Before the word of the removal has come through.
+    // Before the removal has been reported.
     tab->initializeSerialPortForCommunication();
     world.advance(200ms);
 

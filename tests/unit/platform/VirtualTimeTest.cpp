@@ -119,7 +119,7 @@ TEST_F(VirtualTimeTest, LogsTheExceptionsThatLeaveATask)
     world.run();
 
     EXPECT_THAT(world.log.lines(), ElementsAre("Uncaught exception: on main", "Uncaught exception: in the background",
-                                               "Uncaught exception"));
+                                               "Uncaught exception: not a std::exception"));
     EXPECT_THAT(told, ElementsAre("and on it goes"));
 }
 

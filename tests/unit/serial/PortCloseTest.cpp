@@ -266,7 +266,7 @@ TEST_F(PortClose, AndAnOpenRightAfterItLeaveOneReaderAndOnePoll)
     }
 }
 
-// The poll was at the terminal when the port was closed: what it then hears of the old line is nobody's matter.
+// The poll is inside the terminal's call when the port is closed: the call's failure is not reported.
 TEST_F(PortClose, SilencesAPollThatIsUnderWay)
 {
     openQuietly();

@@ -274,9 +274,9 @@ TEST_F(PortManager, ListsAnAdapterThatReturnsUnderAnotherNodeByItsOldName)
     EXPECT_THAT(manager()->availablePorts(), ElementsAre(port));
 }
 
-// Poll and hot-plug both see the plug pulled. The delegate hears of it, drops the port, and has a new one when the
-// device is back; the second word of the removal leaves that one alone.
-TEST_F(PortManager, LeavesAPortAloneThatWasTakenAgainBetweenTheTwoWordsOfItsRemoval)
+// The poll and the hot-plug watch both report the removal. After the first report the delegate drops the port and takes
+// a new one when the device is back; the second report must not close the new one.
+TEST_F(PortManager, DoesNotCloseAPortThatWasTakenAgainBetweenTheTwoReportsOfItsRemoval)
 {
     world.plugVorrano();
     manager();

@@ -138,7 +138,7 @@ TEST_F(PortOptionSetters, StoreAParityOf5AsNone)
     EXPECT_EQ(timesApplied(), 1U);
 }
 
-// 3 is another value than the stored 0, although 0 is what is stored of it.
+// A parity of 3 is stored as 0. It counts as a change all the same, also where 0 is stored already.
 TEST_F(PortOptionSetters, ReapplyTheOptionsForAParityOf3EvenWhenNoneIsStored)
 {
     openQuietly();

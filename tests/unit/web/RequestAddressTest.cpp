@@ -1,3 +1,4 @@
+#include "support/FilledAccount.h"
 #include "web/ServiceAddress.h"
 
 using namespace vorrano;
@@ -65,21 +66,6 @@ INSTANTIATE_TEST_SUITE_P(
 
 namespace {
 
-Account filled()
-{
-    return {.accountID = "ada1815",
-            .password = "secret1",
-            .guestPassword = "guest22",
-            .email = "ada@host.example",
-            .name = "Ada",
-            .address = "1 Main St",
-            .address2 = "Top",
-            .cityName = "Town",
-            .stateName = "ST",
-            .countryName = "Land",
-            .zipCode = "12345"};
-}
-
 using Change = void (*)(Account&);
 
 struct AddressCase {
@@ -94,7 +80,7 @@ class SaveAddress : public testing::TestWithParam<AddressCase> {};
 
 TEST_P(SaveAddress, OfANewAccountIsBuiltFieldByField)
 {
-    auto account = filled();
+    auto account = support::filledAccount();
     GetParam().change(account);
 
     EXPECT_EQ(web::newAccountAddress(kRoot, account), kRoot + "insertAccount/" + GetParam().path);
@@ -141,13 +127,13 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(UpdateAddress, CarriesTheSessionsAccountIDInsteadOfTheForms)
 {
-    EXPECT_EQ(web::accountUpdateAddress(kRoot, "57", filled()),
+    EXPECT_EQ(web::accountUpdateAddress(kRoot, "57", support::filledAccount()),
               kRoot + "getAccounts/57//secret1/ada@host.example/Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22");
 }
 
 TEST(UpdateAddress, CountsAnAbsentAccountIDAsEmptyText)
 {
-    EXPECT_EQ(web::accountUpdateAddress(kRoot, std::nullopt, filled()),
+    EXPECT_EQ(web::accountUpdateAddress(kRoot, std::nullopt, support::filledAccount()),
               kRoot + "getAccounts///secret1/ada@host.example/Ada/1%20Main%20St/Top/Town/ST/Land/12345/guest22");
 }
 
