@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <variant>
 
 namespace vorrano::campaign {
 
@@ -16,6 +17,7 @@ constexpr std::chrono::milliseconds kLook{10};
 // Long enough for a poll of the modem lines, and for whatever else a fault sets off by itself.
 constexpr std::chrono::milliseconds kSettled{50};
 constexpr std::chrono::milliseconds kQuiet{300};
+constexpr std::chrono::seconds kTimeLimit{2};
 
 std::string textOf(const Alerts& alerts)
 {
@@ -142,6 +144,11 @@ private:
     // The same again when all is well, and a question that every well Vorrano answers.
     void goOnAfterwards()
     {
+        const bool isLineBad = std::holds_alternative<LineFault>(m_cell.fault.what);
+        if (isLineBad && m_cell.moment != Moment::After) {
+            // The queue of a port that was closed drains by time-outs.
+            m_demo.advance(m_cell.action.writes.size() * kTimeLimit);
+        }
         m_demo.heal();
         const bool isAtLogin = !m_demo.isSignedIn();
         if (m_cell.action.kind != Kind::SignIn || isAtLogin) {

@@ -18,9 +18,6 @@ using support::TerminalCall;
 namespace {
 
 constexpr int kForGood = 1'000'000;
-// An action queues so many requests at the most.
-constexpr int kLongestQueue = 3;
-constexpr std::chrono::seconds kTimeLimit{2};
 const std::map<std::string, std::string> kAccount{{"accountID", "ada"},
                                                   {"password", "secret1"},
                                                   {"confirmPassword", "secret1"},
@@ -277,10 +274,6 @@ void Demo::heal()
 
 void Demo::settle()
 {
-    if (m_mayHaveRequests) {
-        // A closed port's queue drains by time-outs.
-        m_world.advance(kLongestQueue * kTimeLimit);
-    }
     // What is on its way arrives; a device that is left in the middle of something is plugged in anew.
     while (!m_vorrano.isQuiet()) {
         m_world.advance(100ms);

@@ -38,7 +38,7 @@ public:
     void strikeDuring(const Fault& fault);
     // All is well again: the service, the network, the line, the cable and what is at its end.
     void heal();
-    // Lets the requests of the last action end, and the device: afterwards it waits for a command.
+    // Lets the device end what it does: afterwards it waits for a command.
     void settle();
 
     void advance(support::Nanoseconds duration) { m_world.advance(duration); }

@@ -7,6 +7,7 @@ from harness.waiting import wait_for
 from port_world import Held
 
 NAME = "My Home Net"
+TIME_OUT = ("ERROR", "Please try again")
 
 
 def shows_no_vorrano(world, wanted):
@@ -15,15 +16,21 @@ def shows_no_vorrano(world, wanted):
 
 
 def check_the_network_name(world, name):
-    world.program.press("Check network name")
-    world.program.expect_alert(name + "\n\n\r", "Success", deadline=SLOW)
+    """Asks again where the question ran out of time, as it may in a slow guest."""
+    for _ in range(5):
+        world.program.press("Check network name")
+        alert = world.program.alert(SLOW)
+        world.program.dismiss(alert)
+        if (alert.title, alert.text) != TIME_OUT:
+            break
+    assert (alert.title, alert.text) == (name + "\n\n\r", "Success"), alert
 
 
 def lets_go(world):
     """Whether the missing Vorrano is told of. In a slow guest the request's time-out may come first, and its alert holds
     back what follows."""
     for alert in world.program.alerts():
-        assert (alert.title, alert.text) == ("ERROR", "Please try again"), alert
+        assert (alert.title, alert.text) == TIME_OUT, alert
         world.program.dismiss(alert)
     return world.program.shows(NO_VORRANO)
 
