@@ -8,9 +8,39 @@ namespace vorrano::web {
 
 namespace {
 
+using nlohmann::json;
+using Event = json::parse_event_t;
+
+constexpr std::size_t kMiB = std::size_t{1024} * 1024;
+constexpr std::size_t kLongestBody = 16 * kMiB;
+constexpr std::size_t kMostMemory = 64 * kMiB;
 constexpr int kDeepestNesting = 512;
 
-struct NestedTooDeeply {};
+// In bytes, what a value takes at the most: its place in an array that grows; an array, object or text of its own; an
+// object's entry for it. The characters of texts come on top.
+constexpr std::size_t kPlace = 32;
+constexpr std::size_t kContainer = 64;
+constexpr std::size_t kText = 48;
+constexpr std::size_t kEntry = 96;
+
+struct TooLarge {};
+
+std::size_t memoryOf(Event event, const json& value)
+{
+    const auto* const text = value.get_ptr<const std::string*>();
+    const auto length = text == nullptr ? 0 : text->size();
+    switch (event) {
+    case Event::object_start:
+    case Event::array_start:
+        return kPlace + kContainer;
+    case Event::key:
+        return kEntry + length;
+    case Event::value:
+        return kPlace + (text == nullptr ? 0 : kText) + length;
+    default:
+        return 0;
+    }
+}
 
 } // namespace
 
@@ -20,23 +50,25 @@ Reply::Reply(std::shared_ptr<const nlohmann::json> value)
 
 Reply Reply::parsed(const std::optional<std::string>& body)
 {
-    if (!body) {
+    if (!body || body->size() > kLongestBody) {
         return {};
     }
-    using Event = nlohmann::json::parse_event_t;
-    const auto guardDepth = [](int depth, Event event, nlohmann::json&) {
-        if ((event == Event::object_start || event == Event::array_start) && depth >= kDeepestNesting) {
-            throw NestedTooDeeply();
+    std::size_t memory = 0;
+    const auto guardSize = [&memory](int depth, Event event, const json& value) {
+        memory += memoryOf(event, value);
+        const bool begins = event == Event::object_start || event == Event::array_start;
+        if ((begins && depth >= kDeepestNesting) || memory > kMostMemory) {
+            throw TooLarge();
         }
         return true;
     };
     try {
-        auto value = nlohmann::json::parse(*body, guardDepth, /*allow_exceptions=*/false);
+        auto value = json::parse(*body, guardSize, /*allow_exceptions=*/false);
         if (!value.is_object() && !value.is_array()) {
             return {};
         }
-        return Reply(std::make_shared<const nlohmann::json>(std::move(value)));
-    } catch (const NestedTooDeeply&) {
+        return Reply(std::make_shared<const json>(std::move(value)));
+    } catch (const TooLarge&) {
         return {};
     }
 }
