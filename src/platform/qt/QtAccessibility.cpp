@@ -1,5 +1,6 @@
 #include "platform/qt/QtAccessibility.h"
 
+#include "platform/qt/FocusReports.h"
 #include "platform/qt/Spinner.h"
 #include "platform/qt/TabWidget.h"
 
@@ -164,10 +165,11 @@ private:
     const QWidget& m_window;
 };
 
+// A notification, as that is what a screen reader reads out when it appears.
 class SpinnerAccessible final : public QAccessibleWidget {
 public:
     explicit SpinnerAccessible(Spinner& spinner)
-        : QAccessibleWidget(&spinner, QAccessible::ProgressBar)
+        : QAccessibleWidget(&spinner, QAccessible::Notification)
         , m_spinner(spinner)
     {}
 
@@ -211,6 +213,10 @@ QString withoutMnemonic(const QString& label)
     return plain;
 }
 
-void installAccessibility() { QAccessible::installFactory(makeAccessible); }
+void installAccessibility()
+{
+    QAccessible::installFactory(makeAccessible);
+    installFocusReports();
+}
 
 } // namespace vorrano::qt
