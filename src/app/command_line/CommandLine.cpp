@@ -16,8 +16,8 @@ namespace {
 
 // What the application object and the window system's plugins take for themselves, with one or two dashes.
 constexpr std::array<std::string_view, 16> kQtOptionsWithValue{
-    "platform", "platformpluginpath", "platformtheme", "plugin",       "qwindowgeometry", "geometry",
-    "title",    "qwindowtitle",       "icon",          "qwindowicon",  "session",         "style",
+    "platform", "platformpluginpath", "platformtheme", "plugin",      "qwindowgeometry", "geometry",
+    "title",    "qwindowtitle",       "icon",          "qwindowicon", "session",         "style",
     "display",  "stylesheet",         "name",          "visual",
 };
 constexpr std::array<std::string_view, 8> kQtOptions{

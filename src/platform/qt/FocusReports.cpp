@@ -53,7 +53,8 @@ void report(QAccessibleEvent* event)
         reportFocus(event);
         return;
     }
-    const bool caret = event->type() == QAccessible::TextCaretMoved || event->type() == QAccessible::TextSelectionChanged;
+    const bool caret =
+        event->type() == QAccessible::TextCaretMoved || event->type() == QAccessible::TextSelectionChanged;
     if (caret && hasUnreportedFocus(event->object())) {
         QAccessibleEvent focus(event->object(), QAccessible::Focus);
         reportFocus(&focus);

@@ -7,6 +7,7 @@
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QPointer>
+#include <QStackedWidget>
 
 #include <vector>
 
@@ -191,6 +192,10 @@ QAccessibleInterface* makeAccessible(const QString&, QObject* object)
     }
     if (auto* const spinner = dynamic_cast<Spinner*>(object)) {
         return new SpinnerAccessible(*spinner);
+    }
+    if (auto* const pages = qobject_cast<QStackedWidget*>(object)) {
+        // Nothing to a person, who would hear of "layered panes" on the way into each page.
+        return new QAccessibleWidget(pages);
     }
     auto* const widget = dynamic_cast<QWidget*>(object);
     if (widget != nullptr && widget->metaObject() == &QWidget::staticMetaObject) {

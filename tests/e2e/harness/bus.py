@@ -13,7 +13,7 @@ CALL_MS = 15000
 
 # Bits of an accessible's states, as the bus numbers them.
 STATES = {"active": 1, "busy": 3, "checked": 4, "enabled": 8, "editable": 7, "focused": 12, "focusable": 11,
-          "modal": 16, "selected": 23, "sensitive": 24, "showing": 25, "visible": 30, "has popup": 38, "read only": 44}
+          "modal": 16, "selected": 23, "sensitive": 24, "showing": 25, "visible": 30, "has popup": 38, "read only": 43}
 LABELLED_BY = 2
 PASSWORD_TEXT = 40
 
