@@ -1,6 +1,8 @@
 #include "platform/qt/QtAccessibility.h"
 
 #include "platform/qt/FocusReports.h"
+#include "platform/qt/PickList.h"
+#include "platform/qt/PickListAccessible.h"
 #include "platform/qt/Spinner.h"
 #include "platform/qt/TabWidget.h"
 
@@ -192,6 +194,9 @@ QAccessibleInterface* makeAccessible(const QString&, QObject* object)
     }
     if (auto* const spinner = dynamic_cast<Spinner*>(object)) {
         return new SpinnerAccessible(*spinner);
+    }
+    if (auto* const list = dynamic_cast<PickList*>(object)) {
+        return new PickListAccessible(*list);
     }
     if (auto* const pages = qobject_cast<QStackedWidget*>(object)) {
         // Nothing to a person, who would hear of "layered panes" on the way into each page.

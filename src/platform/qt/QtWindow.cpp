@@ -106,10 +106,10 @@ protected:
     }
 
 private:
-    // What a window manager adds to the window: as it does, or, before it does, as it may.
+    // What a window manager adds to the window, or, before it does, may add.
     [[nodiscard]] QSize decoration() const
     {
-        return isVisible() ? frameSize() - size() : QSize(kFrameWidth, kFrameHeight);
+        return QSize(kFrameWidth, kFrameHeight).expandedTo(frameSize() - size());
     }
 
     QtWindow* m_owner;
