@@ -105,6 +105,7 @@ def go_through(world):
     program.button("Accept")
     picture("agreement")
     program.press("Cancel")
+    wait_for("the agreement to go", lambda: not program.look_for("push button", "Accept"))
     world.vorrano.do("addAccount", values=ADA)
     program.type("Account ID or email", "ada")
     program.type("Password", "secret1")
