@@ -89,6 +89,18 @@ def TheAgreementIsReadLineByLine(world):
     assert text.text == before
 
 
+def AnEntryThatAKeyChoosesInAClosedListIsReported(world):
+    open_wifi_setup(world.program)
+    world.display.give_keyboard(world.program.field("Network name"))
+    world.display.keys("alt+t")
+    wait_for("the list", lambda: world.program.combo("Security type").has("focused"))
+    listener = Listener(world.bus, FOCUSED)
+
+    world.display.keys("Down")
+
+    wait_for("the entry", lambda: last_focus(listener) == ("list item", "Open"))
+
+
 @situation(program=LOOPBACK)
 def ABusyScreenSaysSo(world):
     world.vorrano.do("serviceFault", kind="slow", delay=2000)

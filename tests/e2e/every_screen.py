@@ -63,8 +63,8 @@ def compositor(world):
         return
     settings = pathlib.Path(world.folder, "weston.ini")
     settings.write_text("[core]\nidle-time=0\n[shell]\npanel-position=none\nbackground-color=0xff6f9aab\nlocking=false\n")
-    command = ["weston", "--backend=x11-backend.so", "--use-pixman", "--socket=vorrano-wayland", "--fullscreen",
-               "--config=%s" % settings]
+    command = ["weston", "--backend=x11-backend.so", "--use-pixman", "--socket=vorrano-wayland",
+               "--width=%d" % (WIDTH * SCALE), "--height=%d" % (HEIGHT * SCALE), "--config=%s" % settings]
     with open(world.artefact("weston.log"), "w", encoding="utf-8") as log:
         process = subprocess.Popen(command, env=dict(os.environ, XDG_RUNTIME_DIR=world.folder), stdout=log, stderr=log)
     try:

@@ -62,6 +62,9 @@ protected:
         if (widget.hasHeightForWidth()) {
             return {hint.width(), widget.heightForWidth(widget.width())};
         }
+        if (qobject_cast<const QLineEdit*>(&widget) != nullptr) {
+            return {widget.fontMetrics().horizontalAdvance(u'0') * 8, hint.height()};
+        }
         // Its text is one character.
         return widget.property("square").toBool() ? QSize(hint.height(), hint.height()) : hint;
     }
@@ -72,8 +75,7 @@ protected:
         return (label != nullptr && !label->hasScaledContents()) ||
                qobject_cast<const QAbstractButton*>(&widget) != nullptr ||
                qobject_cast<const QLineEdit*>(&widget) != nullptr ||
-               qobject_cast<const QComboBox*>(&widget) != nullptr ||
-               qobject_cast<const QGroupBox*>(&widget) != nullptr;
+               qobject_cast<const QComboBox*>(&widget) != nullptr || qobject_cast<const QGroupBox*>(&widget) != nullptr;
     }
 
     // Everything has the room that it asks for, inside of what it is in; only the content of an area may be larger than

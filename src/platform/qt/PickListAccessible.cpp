@@ -67,4 +67,14 @@ void PickListAccessible::choose(int index)
     }
 }
 
+void reportChoice(const PickList& list, int index)
+{
+    if (index < 0 || !list.hasFocus() || list.view()->isVisible()) {
+        return;
+    }
+    QAccessibleEvent focus(list.view(), QAccessible::Focus);
+    focus.setChild(index);
+    QAccessible::updateAccessibility(&focus);
+}
+
 } // namespace vorrano::qt

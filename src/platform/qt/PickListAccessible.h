@@ -28,4 +28,8 @@ private:
     PickList& m_list;
 };
 
+// Lets a screen reader read out the entry that a key has chosen in a closed list that has the focus. It asks Qt for the
+// chosen entry and gets none, so the entry is reported as if it had got the focus.
+void reportChoice(const PickList& list, int index);
+
 } // namespace vorrano::qt

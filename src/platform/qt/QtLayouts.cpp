@@ -12,6 +12,7 @@
 #include "ui_WifiSetupViewController.h"
 
 #include <QCoreApplication>
+#include <QLineEdit>
 
 #include <algorithm>
 #include <array>
@@ -34,6 +35,9 @@ void setUp(QWidget* root)
 
 // How much larger than other text a heading is.
 constexpr double kHeadingSize = 1.5;
+
+// How much of what is typed a field shows, however small the window is.
+constexpr int kLeastCharacters = 10;
 
 constexpr std::array kLayouts{
     Layout{"LoginViewController", setUp<Ui::LoginViewController>},
@@ -65,6 +69,10 @@ void adaptToFont(const QWidget& root)
             font.setBold(true);
             widget->setFont(font);
         }
+        // Qt's own least width of a field is one character.
+        if (qobject_cast<QLineEdit*>(widget) != nullptr) {
+            widget->setMinimumWidth(widget->fontMetrics().horizontalAdvance(u'0') * kLeastCharacters);
+        }
         if (widget->property("square").toBool()) {
             widget->setFixedWidth(widget->sizeHint().height());
         }
@@ -75,6 +83,8 @@ void adaptToFont(const QWidget& root)
 // another one is chosen.
 void makeRoomForPages(QWidget& root)
 {
+    QWidget* anyPage = nullptr;
+    QSize largest;
     for (auto* const page : root.findChildren<QWidget*>()) {
         const QString shows = page->property("shows").toString();
         if (shows.isEmpty()) {
@@ -84,9 +94,14 @@ void makeRoomForPages(QWidget& root)
         layoutNamed(shows.toStdString()).setUp(&screen);
         adaptToFont(screen);
         const int width = screen.sizeHint().width();
-        page->setMinimumSize(width, heightNeeded(screen, width));
+        largest = largest.expandedTo({width, heightNeeded(screen, width)});
+        anyPage = page;
+    }
+    if (anyPage != nullptr) {
+        // What is around the pages is added by asking what the window needs with such a page.
+        anyPage->setMinimumSize(largest);
         root.resize(root.size().expandedTo(root.minimumSizeHint()));
-        page->setMinimumSize(0, 0);
+        anyPage->setMinimumSize(0, 0);
     }
 }
 

@@ -107,10 +107,7 @@ protected:
 
 private:
     // What a window manager adds to the window, or, before it does, may add.
-    [[nodiscard]] QSize decoration() const
-    {
-        return QSize(kFrameWidth, kFrameHeight).expandedTo(frameSize() - size());
-    }
+    [[nodiscard]] QSize decoration() const { return QSize(kFrameWidth, kFrameHeight).expandedTo(frameSize() - size()); }
 
     QtWindow* m_owner;
 };

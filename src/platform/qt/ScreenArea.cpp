@@ -51,10 +51,10 @@ QSize ScreenArea::minimumSizeHint() const
     if (widget() == nullptr) {
         return {0, 0};
     }
-    const int width = widget()->minimumSizeHint().width();
-    // Before it is on the screen its own width means nothing.
-    const int given = isVisible() ? viewport()->width() : widget()->sizeHint().width();
-    return {width, heightNeeded(*widget(), std::max(width, given))};
+    // Before it is laid out its own width means nothing, and a window that grew for a narrow one would not shrink
+    // again.
+    const int width = std::max(viewport()->width(), widget()->sizeHint().width());
+    return {widget()->minimumSizeHint().width(), heightNeeded(*widget(), width)};
 }
 
 bool ScreenArea::eventFilter(QObject* watched, QEvent* event)
