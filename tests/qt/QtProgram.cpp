@@ -3,6 +3,7 @@
 #include "platform/qt/QtApplication.h"
 
 #include <QAccessible>
+#include <QTemporaryFile>
 #include <QTimer>
 #include <QWidget>
 
@@ -29,7 +30,8 @@ public:
     void SetUp() override
     {
         if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-            qputenv("QT_QPA_PLATFORM", "offscreen");
+            describeScreen();
+            qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + m_screen.fileName().toLocal8Bit());
         }
         qInstallMessageHandler(showMessage);
         static int argc = 1;
@@ -41,6 +43,16 @@ public:
     void TearDown() override { m_application.reset(); }
 
 private:
+    // The smallest that the program is meant for.
+    void describeScreen()
+    {
+        ASSERT_TRUE(m_screen.open());
+        m_screen.write(R"({"screens": [{"name": "small", "x": 0, "y": 0, "width": 1024, "height": 600, "logicalDpi": 96,
+                                        "logicalBaseDpi": 96, "dpr": 1}]})");
+        m_screen.close();
+    }
+
+    QTemporaryFile m_screen;
     std::unique_ptr<qt::QtApplication> m_application;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/qt/PickListAccessible.h"
+
 #include <QComboBox>
 
 #include <functional>
@@ -10,7 +12,11 @@ namespace vorrano::qt {
 // The pick list of the layouts: it asks before it opens, as the accessibility bus opens any.
 class PickList final : public QComboBox {
 public:
-    using QComboBox::QComboBox;
+    explicit PickList(QWidget* parent = nullptr)
+        : QComboBox(parent)
+    {
+        connect(this, &QComboBox::currentIndexChanged, this, [this](int index) { reportChoice(*this, index); });
+    }
 
     void mayOpen(std::function<bool()> asked) { m_mayOpen = std::move(asked); }
 

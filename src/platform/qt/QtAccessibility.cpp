@@ -1,5 +1,8 @@
 #include "platform/qt/QtAccessibility.h"
 
+#include "platform/qt/FocusReports.h"
+#include "platform/qt/PickList.h"
+#include "platform/qt/PickListAccessible.h"
 #include "platform/qt/Spinner.h"
 #include "platform/qt/TabWidget.h"
 
@@ -7,6 +10,7 @@
 #include <QAccessibleWidget>
 #include <QLabel>
 #include <QPointer>
+#include <QStackedWidget>
 
 #include <vector>
 
@@ -182,10 +186,11 @@ private:
     const QWidget& m_window;
 };
 
+// A notification, as that is what a screen reader reads out when it appears.
 class SpinnerAccessible final : public QAccessibleWidget {
 public:
     explicit SpinnerAccessible(Spinner& spinner)
-        : QAccessibleWidget(&spinner, QAccessible::ProgressBar)
+        : QAccessibleWidget(&spinner, QAccessible::Notification)
         , m_spinner(spinner)
     {}
 
@@ -211,6 +216,13 @@ QAccessibleInterface* makeAccessible(const QString&, QObject* object)
     if (auto* const spinner = dynamic_cast<Spinner*>(object)) {
         return new SpinnerAccessible(*spinner);
     }
+    if (auto* const list = dynamic_cast<PickList*>(object)) {
+        return new PickListAccessible(*list);
+    }
+    if (auto* const pages = qobject_cast<QStackedWidget*>(object)) {
+        // Nothing to a person, who would hear of "layered panes" on the way into each page.
+        return new QAccessibleWidget(pages);
+    }
     auto* const widget = dynamic_cast<QWidget*>(object);
     if (widget != nullptr && widget->metaObject() == &QWidget::staticMetaObject) {
         return new WindowAccessible(*widget);
@@ -232,6 +244,10 @@ QString withoutMnemonic(const QString& label)
     return plain;
 }
 
-void installAccessibility() { QAccessible::installFactory(makeAccessible); }
+void installAccessibility()
+{
+    QAccessible::installFactory(makeAccessible);
+    installFocusReports();
+}
 
 } // namespace vorrano::qt

@@ -1,6 +1,7 @@
 #include "platform/qt/QtLayouts.h"
 
 #include "platform/qt/QtAccessibility.h"
+#include "platform/qt/ScreenArea.h"
 
 #include "ui_AccountInfoViewController.h"
 #include "ui_EULAWindowViewController.h"
@@ -11,6 +12,7 @@
 #include "ui_WifiSetupViewController.h"
 
 #include <QCoreApplication>
+#include <QLineEdit>
 
 #include <algorithm>
 #include <array>
@@ -31,6 +33,12 @@ void setUp(QWidget* root)
     Generated().setupUi(root);
 }
 
+// How much larger than other text a heading is.
+constexpr double kHeadingSize = 1.5;
+
+// How much of what is typed a field shows, however small the window is.
+constexpr int kLeastCharacters = 10;
+
 constexpr std::array kLayouts{
     Layout{"LoginViewController", setUp<Ui::LoginViewController>},
     Layout{"EULAWindowViewController", setUp<Ui::EULAWindowViewController>},
@@ -40,6 +48,62 @@ constexpr std::array kLayouts{
     Layout{"WifiSetupViewController", setUp<Ui::WifiSetupViewController>},
     Layout{"UtilitiesViewController", setUp<Ui::UtilitiesViewController>},
 };
+
+const Layout& layoutNamed(std::string_view name)
+{
+    const auto* const layout =
+        std::find_if(kLayouts.begin(), kLayouts.end(), [&](const Layout& known) { return known.name == name; });
+    if (layout == kLayouts.end()) {
+        throw platform::LayoutError("There is no layout named " + std::string(name));
+    }
+    return *layout;
+}
+
+// What a layout says relative to the person's font, as it cannot name that font's size.
+void adaptToFont(const QWidget& root)
+{
+    for (auto* const widget : root.findChildren<QWidget*>()) {
+        if (widget->property("heading").toBool()) {
+            QFont font = widget->font();
+            font.setPointSizeF(font.pointSizeF() * kHeadingSize);
+            font.setBold(true);
+            widget->setFont(font);
+        }
+        // Qt's own least width of a field is one character.
+        if (qobject_cast<QLineEdit*>(widget) != nullptr) {
+            widget->setMinimumWidth(widget->fontMetrics().horizontalAdvance(u'0') * kLeastCharacters);
+        }
+        if (widget->property("square").toBool()) {
+            widget->setFixedWidth(widget->sizeHint().height());
+        }
+    }
+}
+
+// The window begins as large as the largest of the screens that its pages will show, so that it keeps its size when
+// another one is chosen.
+void makeRoomForPages(QWidget& root)
+{
+    QWidget* anyPage = nullptr;
+    QSize largest;
+    for (auto* const page : root.findChildren<QWidget*>()) {
+        const QString shows = page->property("shows").toString();
+        if (shows.isEmpty()) {
+            continue;
+        }
+        QWidget screen;
+        layoutNamed(shows.toStdString()).setUp(&screen);
+        adaptToFont(screen);
+        const int width = screen.sizeHint().width();
+        largest = largest.expandedTo({width, heightNeeded(screen, width)});
+        anyPage = page;
+    }
+    if (anyPage != nullptr) {
+        // What is around the pages is added by asking what the window needs with such a page.
+        anyPage->setMinimumSize(largest);
+        root.resize(root.size().expandedTo(root.minimumSizeHint()));
+        anyPage->setMinimumSize(0, 0);
+    }
+}
 
 } // namespace
 
@@ -68,13 +132,10 @@ std::shared_ptr<platform::Window> QtLayouts::loadWindow(std::string_view name)
 
 std::shared_ptr<QtView> QtLayouts::load(std::string_view name) const
 {
-    const auto layout =
-        std::find_if(kLayouts.begin(), kLayouts.end(), [&](const Layout& known) { return known.name == name; });
-    if (layout == kLayouts.end()) {
-        throw platform::LayoutError("There is no layout named " + std::string(name));
-    }
     auto root = std::make_unique<QWidget>();
-    layout->setUp(root.get());
+    layoutNamed(name).setUp(root.get());
+    adaptToFont(*root);
+    makeRoomForPages(*root);
     return std::make_shared<QtView>(std::move(root), m_surroundings);
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/qt/QtAccessibility.h"
 #include "platform/qt/QtView.h"
+#include "platform/qt/ScreenArea.h"
 
 #include <QVBoxLayout>
 
@@ -18,6 +19,8 @@ QtTabView::QtTabView(TabWidget& tabs, const QtSurroundings& surroundings)
         m_labels.push_back(withoutMnemonic(tabs.tabText(index)).toStdString());
         auto* const layout = new QVBoxLayout(tabs.widget(index));
         layout->setContentsMargins({});
+        m_areas.push_back(new ScreenArea);
+        layout->addWidget(m_areas.back());
     }
     QObject::connect(&tabs, &QTabWidget::currentChanged, context(), [this](int index) { currentChanged(index); });
     tabs.bar().onChosenAgain([this] {
@@ -56,8 +59,7 @@ void QtTabView::setView(int index, std::shared_ptr<platform::View> view)
     }
     shown = QtView::of(view);
     if (shown) {
-        widget().widget(index)->layout()->addWidget(&shown->root());
-        shown->root().show();
+        m_areas.at(static_cast<std::size_t>(index))->showContent(shown->root());
     }
 }
 

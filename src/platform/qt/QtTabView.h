@@ -8,6 +8,7 @@
 namespace vorrano::qt {
 
 class QtView;
+class ScreenArea;
 
 // A tab view. A tab that is chosen while it takes no input is left again.
 class QtTabView final : public QtControl<platform::TabView, TabWidget> {
@@ -27,6 +28,8 @@ private:
 
     // The labels of the layout: a desktop may put a mnemonic into the widget's.
     std::vector<std::string> m_labels;
+    // What holds the views: one for each page, which owns it.
+    std::vector<ScreenArea*> m_areas;
     std::vector<std::shared_ptr<QtView>> m_views;
     std::function<void()> m_select;
     int m_index;

@@ -5,6 +5,7 @@
 #include "platform/qt/QtPopUpButton.h"
 #include "platform/qt/QtTabView.h"
 #include "platform/qt/QtTextField.h"
+#include "platform/qt/ScreenArea.h"
 
 #include <QCheckBox>
 #include <QSignalBlocker>
@@ -123,6 +124,9 @@ double QtView::alpha() const { return m_alpha; }
 void QtView::takeOffScreen()
 {
     m_root->hide();
+    if (auto* const area = ScreenArea::around(*m_root)) {
+        area->takeWidget();
+    }
     m_root->setParent(nullptr);
 }
 

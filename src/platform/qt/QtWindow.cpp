@@ -2,6 +2,8 @@
 
 #include "platform/MainQueue.h"
 #include "platform/qt/Outline.h"
+#include "platform/qt/ScreenArea.h"
+#include "platform/qt/TabWidget.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
@@ -17,6 +19,10 @@ namespace vorrano::qt {
 
 namespace {
 
+// The frame of most window managers.
+constexpr int kFrameWidth = 8;
+constexpr int kFrameHeight = 40;
+
 unsigned long s_shows = 0;
 
 } // namespace
@@ -30,14 +36,40 @@ public:
         setWindowTitle(content.windowTitle());
         auto* const layout = new QVBoxLayout(this);
         layout->setContentsMargins({});
-        const QSize size = content.size();
-        layout->addWidget(&content);
-        resize(size);
+        layout->setSizeConstraint(QLayout::SetNoConstraint);
+        resize(content.size());
+        // The pages of tabs scroll by themselves, so that the tabs stay in sight.
+        if (content.findChild<TabWidget*>() != nullptr) {
+            layout->addWidget(&content);
+            return;
+        }
+        auto* const area = new ScreenArea;
+        area->showContent(content);
+        layout->addWidget(area);
+    }
+
+    // Makes the window as large as its content needs, as far as the display has room.
+    void fit()
+    {
+        const QSize room = screen()->availableSize() - decoration();
+        setMinimumSize(layout()->minimumSize().boundedTo(room));
+        if (!isVisible()) {
+            resize(size().boundedTo(room));
+        }
     }
 
     void forgetOwner() { m_owner = nullptr; }
 
 protected:
+    bool event(QEvent* event) override
+    {
+        const bool handled = QWidget::event(event);
+        if (event->type() == QEvent::LayoutRequest) {
+            fit();
+        }
+        return handled;
+    }
+
     void paintEvent(QPaintEvent* event) override
     {
         QWidget::paintEvent(event);
@@ -74,6 +106,9 @@ protected:
     }
 
 private:
+    // What a window manager adds to the window, or, before it does, may add.
+    [[nodiscard]] QSize decoration() const { return QSize(kFrameWidth, kFrameHeight).expandedTo(frameSize() - size()); }
+
     QtWindow* m_owner;
 };
 
@@ -110,7 +145,7 @@ void QtWindow::show()
 void QtWindow::appear(const QRect& over)
 {
     m_frame->ensurePolished();
-    m_frame->resize(m_frame->size().expandedTo(m_frame->minimumSizeHint()));
+    m_frame->fit();
     if (m_lastShown == 0 && over.isValid()) {
         m_frame->move(over.center() - m_frame->rect().center());
     }

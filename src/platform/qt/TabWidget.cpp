@@ -1,5 +1,6 @@
 #include "platform/qt/TabWidget.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QShortcutEvent>
 #include <QStyle>
@@ -11,7 +12,10 @@ namespace vorrano::qt {
 
 TabBar::TabBar(QWidget* parent)
     : QTabBar(parent)
-{}
+{
+    // Before the tab widget hears of it and hides the page with the focus.
+    connect(this, &QTabBar::currentChanged, this, &TabBar::takeFocusFromPage);
+}
 
 void TabBar::onChosenAgain(std::function<void()> told) { m_chosenAgain = std::move(told); }
 
@@ -62,6 +66,14 @@ void TabBar::mouseReleaseEvent(QMouseEvent* event)
 }
 
 void TabBar::wheelEvent(QWheelEvent* event) { event->ignore(); }
+
+void TabBar::takeFocusFromPage()
+{
+    const auto* const focused = QApplication::focusWidget();
+    if (focused != nullptr && focused != this && parentWidget()->isAncestorOf(focused)) {
+        setFocus();
+    }
+}
 
 bool TabBar::choosesAgain(const QMouseEvent& event) const
 {

@@ -9,7 +9,8 @@ namespace vorrano::qt {
 
 // A row of tabs that tells of a choice of the tab on screen too, of which Qt's own row says nothing: by click, by
 // mnemonic and over the accessibility bus. (Choosing another tab is what currentChanged() tells.) Turning the mouse
-// wheel over it chooses nothing, as each choice builds a screen.
+// wheel over it chooses nothing, as each choice builds a screen. When the page that goes has the focus, the row gets
+// it.
 class TabBar final : public QTabBar {
 public:
     explicit TabBar(QWidget* parent = nullptr);
@@ -28,6 +29,8 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
+    // Else it would go to the new page itself, which is nothing a person can use.
+    void takeFocusFromPage();
     [[nodiscard]] bool choosesAgain(const QMouseEvent& event) const;
     void tellChosenAgain() const;
 

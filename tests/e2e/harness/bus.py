@@ -12,8 +12,8 @@ VALUE = "org.a11y.atspi.Value"
 CALL_MS = 15000
 
 # Bits of an accessible's states, as the bus numbers them.
-STATES = {"active": 1, "checked": 4, "enabled": 8, "editable": 7, "focused": 12, "focusable": 11, "modal": 16,
-          "selected": 23, "sensitive": 24, "showing": 25, "visible": 30, "has popup": 38, "read only": 44}
+STATES = {"active": 1, "busy": 3, "checked": 4, "enabled": 8, "editable": 7, "focused": 12, "focusable": 11,
+          "modal": 16, "selected": 23, "sensitive": 24, "showing": 25, "visible": 30, "has popup": 38, "read only": 43}
 LABELLED_BY = 2
 PASSWORD_TEXT = 40
 
@@ -156,6 +156,15 @@ class Node:
     def extents(self):
         """x, y, width, height on the screen."""
         return self.call(COMPONENT, "GetExtents", GLib.Variant("(u)", (0,)))[0]
+
+    @property
+    def keys(self):
+        """The keys that press it or lead to it."""
+        return {key for action in self.call(ACTION, "GetActions")[0] for key in action[2].split(";") if key}
+
+    @property
+    def caret(self):
+        return self._property(TEXT, "CaretOffset")
 
     @property
     def actions(self):

@@ -23,13 +23,13 @@ def situation(**options):
 
 
 class World:
-    def __init__(self, case, build, program="vorrano-setup", plugged=True, started=True):
+    def __init__(self, case, build, program="vorrano-setup", plugged=True, started=True, screen=(1366, 768)):
         self.case, self.build = case, build
         self._program_name = program
         self.folder = tempfile.mkdtemp(prefix="vorrano-e2e-")
         self.program = self.adapter = None
         self.computer = Computer()
-        self.display = Display()
+        self.display = Display(*screen)
         self.bus = Bus()
         self.vorrano = Simulator(os.path.join(build, "vorrano-simulator"), self.folder, SERVICE_PORT, plugged)
         if plugged:

@@ -1,0 +1,76 @@
+#include "platform/qt/ScreenArea.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QLayout>
+#include <QResizeEvent>
+
+#include <algorithm>
+
+namespace vorrano::qt {
+
+int heightNeeded(const QWidget& content, int width)
+{
+    const int least = content.minimumSizeHint().height();
+    return content.hasHeightForWidth() ? std::max(least, content.heightForWidth(width)) : least;
+}
+
+ScreenArea::ScreenArea()
+{
+    setFrameShape(QFrame::NoFrame);
+    setWidgetResizable(true);
+    // It is no stop for Tab: what gets the focus in it is brought into sight.
+    setFocusPolicy(Qt::NoFocus);
+    connect(qApp, &QApplication::focusChanged, this, [this](const QWidget*, QWidget* now) {
+        if (now != nullptr && widget() != nullptr && widget()->isAncestorOf(now)) {
+            ensureWidgetVisible(now);
+        }
+    });
+}
+
+ScreenArea* ScreenArea::around(const QWidget& content)
+{
+    const auto* const viewport = content.parentWidget();
+    return viewport == nullptr ? nullptr : dynamic_cast<ScreenArea*>(viewport->parentWidget());
+}
+
+void ScreenArea::showContent(QWidget& content)
+{
+    setWidget(&content);
+    // The window's background, or the tab's, goes on being seen.
+    content.setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+    content.show();
+    updateGeometry();
+}
+
+QSize ScreenArea::sizeHint() const { return widget() == nullptr ? QSize(0, 0) : widget()->sizeHint(); }
+
+QSize ScreenArea::minimumSizeHint() const
+{
+    if (widget() == nullptr) {
+        return {0, 0};
+    }
+    // Before it is laid out its own width means nothing, and a window that grew for a narrow one would not shrink
+    // again.
+    const int width = std::max(viewport()->width(), widget()->sizeHint().width());
+    return {widget()->minimumSizeHint().width(), heightNeeded(*widget(), width)};
+}
+
+bool ScreenArea::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == widget() && event->type() == QEvent::LayoutRequest) {
+        updateGeometry();
+    }
+    return QScrollArea::eventFilter(watched, event);
+}
+
+void ScreenArea::resizeEvent(QResizeEvent* event)
+{
+    QScrollArea::resizeEvent(event);
+    if (event->size().width() != event->oldSize().width()) {
+        updateGeometry();
+    }
+}
+
+} // namespace vorrano::qt
