@@ -17,6 +17,7 @@ using std::chrono::nanoseconds;
 
 namespace {
 
+// Often enough to follow, and seldom enough to hear something else in between.
 constexpr std::size_t kAnnouncements = 10;
 constexpr auto kBetweenAnnouncements = 10s;
 constexpr std::chrono::seconds kTimeStep = 5s;

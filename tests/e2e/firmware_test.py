@@ -2,6 +2,7 @@
 import os
 import re
 
+from harness.announcements import Announcements
 from harness.firmware import (FINISHED, PC_CONNECTED, answer, begin, expect_image, expect_proceed_question, image_of,
                               wait_for_upload)
 from harness.logind import logind
@@ -32,12 +33,14 @@ def AnImageIsSentAsItStands(world):
 
 
 def ShowsHowFarTheImageHasCome(world):
+    announcements = Announcements(world.bus)
     open_utilities(world.program)
     bar, line = progress(world)
     assert not bar.has("showing") and not line.has("showing")
 
     begin(world, image_of(100))
     wait_for("the bar", lambda: bar.has("showing") and line.has("showing"))
+    wait_for("the announcement", lambda: any(text.startswith("Line ") for text in announcements.texts))
     before = bar.value
     assert re.fullmatch(r"Line \d+ of 101, about (5|10) s left", line.name), line.name
     wait_for("more of the image", lambda: bar.value > before)

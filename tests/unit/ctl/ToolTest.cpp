@@ -178,17 +178,19 @@ TEST_F(CtlTool, NamesTheProgramThatHasThePort)
 
 TEST_F(CtlTool, AFailedDeviceCountsMoreThanOneThatMayNotBeOpened)
 {
-    for (const auto delay : {0s, 3s}) {
-        auto& forbidden = world.plugVorrano(delay == 0s ? "A1B2" : "C3D4");
-        forbidden.delayNext(TerminalCall::Open, delay);
-        forbidden.failNext(TerminalCall::Open, EACCES);
-        world.plugVorrano(delay == 0s ? "E5F6" : "D4E5");
+    world.plugVorrano();
+    const auto port = serial::SerialPort::serialPortWithPath(kFirst);
+    const Outcome failed{.failure = Outcome::Failure{ExitStatus::DeviceFailed, "It failed."}};
+    const Outcome notAllowed{.failure = Outcome::Failure{ExitStatus::NotAllowed, "It may not be opened."}};
+    Report report(console, Report::Form::Value);
 
-        get(device::DeviceCommand::MacAddress, {.all = true});
-        world.advance(5s);
+    report.add(*port, notAllowed);
+    EXPECT_EQ(report.status(), ExitStatus::NotAllowed);
+    report.add(*port, failed);
+    report.add(*port, notAllowed);
+    report.add(*port, {});
 
-        EXPECT_EQ(status, ExitStatus::DeviceFailed);
-    }
+    EXPECT_EQ(report.status(), ExitStatus::DeviceFailed);
 }
 
 TEST_F(CtlTool, SaysWhyAWriteFailed)
