@@ -14,7 +14,8 @@ HERE = pathlib.Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent.parent / "simulator" / "tour")]
 
 LIGHT = {}
-DARK = {"Window": "42,46,50", "View": "27,30,32", "Button": "49,54,59", "Selection": "61,174,233", "text": "252,252,252"}
+DARK = {"Window": "42,46,50", "View": "27,30,32", "Button": "49,54,59", "Selection": "61,174,233",
+        "text": "252,252,252"}
 CONTRAST = {"Window": "0,0,0", "View": "0,0,0", "Button": "0,0,0", "Selection": "255,255,0", "text": "255,255,255",
             "selected": "0,0,0"}
 # What differs from the ordinary: the scale, the colours, the font in points, options of the program.
@@ -62,7 +63,8 @@ def compositor(world):
         yield {}
         return
     settings = pathlib.Path(world.folder, "weston.ini")
-    settings.write_text("[core]\nidle-time=0\n[shell]\npanel-position=none\nbackground-color=0xff6f9aab\nlocking=false\n")
+    settings.write_text("[core]\nidle-time=0\n"
+                        "[shell]\npanel-position=none\nbackground-color=0xff6f9aab\nlocking=false\n")
     command = ["weston", "--backend=x11-backend.so", "--use-pixman", "--socket=vorrano-wayland",
                "--width=%d" % (WIDTH * SCALE), "--height=%d" % (HEIGHT * SCALE), "--config=%s" % settings]
     with open(world.artefact("weston.log"), "w", encoding="utf-8") as log:

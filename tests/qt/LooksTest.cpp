@@ -198,11 +198,14 @@ TEST_P(Looks, ALabelStandsWhereReadingBegins)
 
 TEST_P(Looks, WhatGetsTheFocusIsScrolledIntoSight)
 {
-    const auto window = shown("LoginViewController");
-    frame(*window).setMinimumSize(0, 0);
-    frame(*window).resize(200, 120);
-    settle();
-    auto& button = widget<QPushButton>(*window->view(), "loginButton");
+    ScreenArea area;
+    const auto view = layouts.loadView("LoginViewController");
+    auto& button = widget<QPushButton>(*view, "loginButton");
+    area.showContent(dynamic_cast<QtView&>(*view).root());
+    area.resize(200, 60);
+    area.show();
+    ASSERT_TRUE(spinUntil([&] { return area.isActiveWindow(); }));
+    ASSERT_TRUE(button.visibleRegion().isEmpty());
 
     button.setFocus();
     settle();

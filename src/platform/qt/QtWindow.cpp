@@ -54,7 +54,7 @@ public:
         const QSize room = screen()->availableSize() - decoration();
         setMinimumSize(layout()->minimumSize().boundedTo(room));
         if (!isVisible()) {
-            resize(size().boundedTo(room));
+            resize(size().expandedTo(layout()->sizeHint()).boundedTo(room));
         }
     }
 

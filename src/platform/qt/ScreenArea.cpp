@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QLayout>
 #include <QResizeEvent>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -23,7 +24,7 @@ ScreenArea::ScreenArea()
     setFocusPolicy(Qt::NoFocus);
     connect(qApp, &QApplication::focusChanged, this, [this](const QWidget*, QWidget* now) {
         if (now != nullptr && widget() != nullptr && widget()->isAncestorOf(now)) {
-            ensureWidgetVisible(now);
+            bringIntoSight(*now);
         }
     });
 }
@@ -42,6 +43,16 @@ void ScreenArea::showContent(QWidget& content)
     viewport()->setAutoFillBackground(false);
     content.show();
     updateGeometry();
+}
+
+void ScreenArea::bringIntoSight(QWidget& inner)
+{
+    ensureWidgetVisible(&inner);
+    if (isRightToLeft() && inner.visibleRegion().isEmpty()) {
+        // Qt forgets here that the bar counts from the right.
+        const int centre = inner.mapTo(widget(), inner.rect().center()).x();
+        horizontalScrollBar()->setValue(horizontalScrollBar()->maximum() - centre + viewport()->width() / 2);
+    }
 }
 
 QSize ScreenArea::sizeHint() const { return widget() == nullptr ? QSize(0, 0) : widget()->sizeHint(); }

@@ -23,6 +23,9 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void bringIntoSight(QWidget& inner);
 };
 
 // How high the content has to be at this width.
