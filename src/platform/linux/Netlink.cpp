@@ -1,13 +1,15 @@
 #include "platform/linux/Netlink.h"
 
-#include <algorithm>
+#include "platform/linux/NetlinkMessages.h"
+
 #include <array>
 #include <cerrno>
 #include <functional>
 #include <memory>
+#include <span>
+#include <utility>
 
 #include <libmnl/libmnl.h>
-#include <linux/if.h>
 #include <linux/rtnetlink.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -71,6 +73,9 @@ int ask(const nlmsghdr& request, const Take& take)
         if (size < 0) {
             return errno;
         }
+        if (!areWholeMessages(std::span(answer).first(static_cast<std::size_t>(size)))) {
+            return EBADMSG;
+        }
         outcome = mnl_cb_run(answer.data(), static_cast<std::size_t>(size), request.nlmsg_seq, port, takeOne,
                              const_cast<Take*>(&take));
     }
@@ -79,11 +84,15 @@ int ask(const nlmsghdr& request, const Take& take)
 
 // A dump that changed while it was made comes with EINTR.
 template <typename Value, typename Record>
-std::optional<std::vector<Value>> dump(Request<Record>& request, Value (*parse)(const nlmsghdr&))
+std::optional<std::vector<Value>> dump(Request<Record>& request, std::optional<Value> (*read)(const nlmsghdr&))
 {
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         std::vector<Value> values;
-        const int error = ask(request.header(), [&](const nlmsghdr& message) { values.push_back(parse(message)); });
+        const int error = ask(request.header(), [&](const nlmsghdr& message) {
+            if (auto value = read(message)) {
+                values.push_back(*std::move(value));
+            }
+        });
         if (error == 0) {
             return values;
         }
@@ -92,95 +101,6 @@ std::optional<std::vector<Value>> dump(Request<Record>& request, Value (*parse)(
         }
     }
     return std::nullopt;
-}
-
-Link linkFrom(const nlmsghdr& message)
-{
-    const auto& record = *static_cast<const ifinfomsg*>(mnl_nlmsg_get_payload(&message));
-    const bool isUp = (record.ifi_flags & IFF_UP) != 0 && (record.ifi_flags & IFF_LOWER_UP) != 0;
-    return {static_cast<std::uint32_t>(record.ifi_index), isUp, (record.ifi_flags & IFF_LOOPBACK) != 0};
-}
-
-RouteKind kindOf(unsigned char type)
-{
-    switch (type) {
-    case RTN_LOCAL:
-        return RouteKind::Local;
-    case RTN_UNICAST:
-    case RTN_BROADCAST:
-    case RTN_ANYCAST:
-    case RTN_MULTICAST:
-        return RouteKind::Forwarded;
-    default:
-        return RouteKind::Refusing;
-    }
-}
-
-struct RouteAttributes {
-    std::optional<std::uint32_t> table;
-    Hop hop;
-    std::vector<Hop> hops;
-};
-
-// Both the attributes of a route and those of one of its hops.
-int takeRouteAttribute(const nlattr* attribute, void* data);
-
-std::vector<Hop> hopsFrom(const nlattr& attribute)
-{
-    std::vector<Hop> hops;
-    const auto* bytes = static_cast<const char*>(mnl_attr_get_payload(&attribute));
-    std::size_t left = mnl_attr_get_payload_len(&attribute);
-    while (left >= sizeof(rtnexthop)) {
-        const auto& entry = *reinterpret_cast<const rtnexthop*>(bytes);
-        if (entry.rtnh_len < sizeof(rtnexthop) || entry.rtnh_len > left) {
-            break;
-        }
-        RouteAttributes own;
-        mnl_attr_parse_payload(bytes + sizeof(rtnexthop), entry.rtnh_len - sizeof(rtnexthop), takeRouteAttribute, &own);
-        own.hop.link = static_cast<std::uint32_t>(entry.rtnh_ifindex);
-        own.hop.isDead = (entry.rtnh_flags & RTNH_F_DEAD) != 0;
-        hops.push_back(own.hop);
-        const auto step = std::min<std::size_t>(left, RTNH_ALIGN(entry.rtnh_len));
-        bytes += step;
-        left -= step;
-    }
-    return hops;
-}
-
-int takeRouteAttribute(const nlattr* attribute, void* data)
-{
-    auto& attributes = *static_cast<RouteAttributes*>(data);
-    switch (mnl_attr_get_type(attribute)) {
-    case RTA_TABLE:
-        attributes.table = mnl_attr_get_u32(attribute);
-        break;
-    case RTA_OIF:
-        attributes.hop.link = mnl_attr_get_u32(attribute);
-        break;
-    case RTA_GATEWAY:
-    case RTA_VIA:
-        attributes.hop.hasGateway = true;
-        break;
-    case RTA_MULTIPATH:
-        attributes.hops = hopsFrom(*attribute);
-        break;
-    default:
-        break;
-    }
-    return MNL_CB_OK;
-}
-
-Route routeFrom(const nlmsghdr& message)
-{
-    const auto& record = *static_cast<const rtmsg*>(mnl_nlmsg_get_payload(&message));
-    RouteAttributes attributes;
-    attributes.hop.isDead = (record.rtm_flags & RTNH_F_DEAD) != 0;
-    mnl_attr_parse(&message, sizeof(rtmsg), takeRouteAttribute, &attributes);
-    Route route;
-    route.kind = kindOf(record.rtm_type);
-    route.isMainDefault = record.rtm_dst_len == 0 && attributes.table.value_or(record.rtm_table) == RT_TABLE_MAIN;
-    route.hops = attributes.hops.empty() ? std::vector{attributes.hop} : attributes.hops;
-    return route;
 }
 
 } // namespace
