@@ -1,11 +1,11 @@
 #include "device/LatestFirmware.h"
 
+#include "device/FirmwareVersion.h"
 #include "platform/BackgroundQueue.h"
 #include "platform/MainQueue.h"
 #include "platform/Mutex.h"
 #include "platform/Platform.h"
 #include "platform/UrlFetch.h"
-#include "text/Text.h"
 #include "web/Reply.h"
 #include "web/ServiceAddress.h"
 
@@ -50,7 +50,7 @@ void LatestFirmware::fetch(std::int32_t wholeVersion)
         const auto body = urlFetch.contentsOfUrl(address);
         // Parsed, but an answer that is no JSON counts as much: the version stands at a fixed place of its text.
         static_cast<void>(web::Reply::parsed(body));
-        answer->setText(text::textFromUtf8(body.value_or("")));
+        answer->setText(firmwareAnswerOf(body));
         mainQueue.async([] {});
     });
 }

@@ -213,16 +213,21 @@ std::int32_t saturatingInt32(double value)
     return static_cast<std::int32_t>(std::clamp(value, smallest, largest));
 }
 
+bool isUtf8(std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const auto first = firstCharacter(bytes);
+        if (!first.wellFormed) {
+            return false;
+        }
+        bytes.remove_prefix(first.length);
+    }
+    return true;
+}
+
 std::optional<std::string> textFromUtf8(std::string_view bytes)
 {
-    for (auto rest = bytes; !rest.empty();) {
-        const auto first = firstCharacter(rest);
-        if (!first.wellFormed) {
-            return std::nullopt;
-        }
-        rest.remove_prefix(first.length);
-    }
-    return std::string(bytes);
+    return isUtf8(bytes) ? std::optional<std::string>(bytes) : std::nullopt;
 }
 
 std::u16string utf16FromText(std::string_view text)

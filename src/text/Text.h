@@ -30,6 +30,9 @@ namespace vorrano::text {
 // Toward zero; what does not fit becomes the nearest that does, NaN becomes 0.
 [[nodiscard]] std::int32_t saturatingInt32(double value);
 
+// Whether the bytes are well-formed UTF-8.
+[[nodiscard]] bool isUtf8(std::string_view bytes);
+
 // The bytes as text; none when they are not well-formed UTF-8.
 [[nodiscard]] std::optional<std::string> textFromUtf8(std::string_view bytes);
 

@@ -27,8 +27,8 @@ public:
     // Null.
     Reply() = default;
 
-    // Null when no bytes came, they are no JSON (or nested deeper than 512), or the top level is neither object nor
-    // array.
+    // Null when no bytes came, they are no JSON, or the top level is neither object nor array. So is what no service
+    // means: more than 16 MiB, nested deeper than 512, or of so many values that they would take more than 64 MiB.
     [[nodiscard]] static Reply parsed(const std::optional<std::string>& body);
 
     [[nodiscard]] bool isNull() const { return m_value == nullptr; }

@@ -1,5 +1,7 @@
 #include "device/FirmwareVersion.h"
 
+#include "text/Text.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -60,6 +62,32 @@ TEST(LatestVersion, OfAnAnswerThatIsTooShortIsARangeError)
     EXPECT_THROW(static_cast<void>(latestVersion(kUpToTheValue + "9.5}", 11)), std::out_of_range);
     EXPECT_EQ(latestVersion(kUpToTheValue + "9.5}", 10), 9.5);
     EXPECT_EQ(latestVersion(kUpToTheValue + "12.5}", 11), 12.5);
+}
+
+TEST(FirmwareAnswer, IsTheTextOfTheBody)
+{
+    EXPECT_EQ(firmwareAnswerOf(kUpToTheValue + "9.5}"), kUpToTheValue + "9.5}");
+    EXPECT_EQ(firmwareAnswerOf(""), "");
+    EXPECT_EQ(firmwareAnswerOf(std::nullopt), "");
+    EXPECT_EQ(firmwareAnswerOf("\xFF"), std::nullopt);
+}
+
+TEST(FirmwareAnswer, KeepsNoMoreOfALongBodyThanAVersionCanStandIn)
+{
+    for (const std::string character : {"x", "\u00E9", "\u20AC", "\U0001F321"}) {
+        std::string body = kUpToTheValue + "9.5}";
+        while (body.size() < 100'000) {
+            body += character;
+        }
+
+        const auto answer = firmwareAnswerOf(body);
+
+        ASSERT_TRUE(answer.has_value());
+        EXPECT_LT(answer->size(), 10'000U);
+        EXPECT_TRUE(vorrano::text::textFromUtf8(*answer).has_value());
+        EXPECT_EQ(latestVersion(answer, 9), 9.5);
+        EXPECT_EQ(firmwareAnswerOf(body + "\xFF"), std::nullopt);
+    }
 }
 
 } // namespace

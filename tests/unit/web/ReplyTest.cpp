@@ -1,6 +1,7 @@
 #include "web/Reply.h"
 
 #include <optional>
+#include <utility>
 
 using namespace vorrano;
 using web::Reply;
@@ -127,6 +128,38 @@ TEST(Reply, IsNullWhenItIsNestedTooDeeply)
     EXPECT_TRUE(Reply::parsed(nested(513)).isNull());
     EXPECT_TRUE(Reply::parsed(std::string(10'000'000, '[')).isNull());
 }
+
+TEST(Reply, IsNullWhenItIsLongerThan16MiB)
+{
+    constexpr std::size_t kLongest = std::size_t{16} * 1024 * 1024;
+    const auto ofLength = [](std::size_t length) { return "[\"" + std::string(length - 4, 'x') + "\"]"; };
+
+    EXPECT_EQ(Reply::parsed(ofLength(kLongest)).at(0).text(), std::string(kLongest - 4, 'x'));
+    EXPECT_TRUE(Reply::parsed(ofLength(kLongest + 1)).isNull());
+}
+
+class RepliesOfManyValues : public testing::TestWithParam<std::pair<const char*, std::string>> {};
+
+TEST_P(RepliesOfManyValues, AreNullWhenTheyWouldTakeTooMuchMemory)
+{
+    const auto& one = GetParam().second;
+    const auto many = [&](std::size_t count) {
+        std::string body = "[" + one;
+        for (std::size_t i = 1; i < count; ++i) {
+            body += "," + one;
+        }
+        return body + "]";
+    };
+
+    EXPECT_FALSE(Reply::parsed(many(200'000)).isNull());
+    EXPECT_TRUE(Reply::parsed(many(2'200'000)).isNull());
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, RepliesOfManyValues,
+                         testing::Values(std::pair("Numbers", "0"), std::pair("Arrays", "[]"),
+                                         std::pair("Objects", "{}"), std::pair("Keys", R"({"":0})"),
+                                         std::pair("Texts", R"("")")),
+                         [](const auto& given) { return given.param.first; });
 
 TEST(Reply, IsNullAtEachPlaceWhereItsBytesCanBeCut)
 {
