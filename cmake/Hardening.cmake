@@ -7,7 +7,8 @@ include(CheckPIESupported)
 check_pie_supported()
 
 add_compile_options(-fstack-protector-strong)
-# Not every processor and compiler has these.
+# Not every processor and compiler has these; clang only warns of what it leaves out.
+set(CMAKE_REQUIRED_FLAGS -Werror)
 foreach(flag IN ITEMS -fstack-clash-protection -fcf-protection=full -mbranch-protection=standard)
     string(MAKE_C_IDENTIFIER "VORRANO_HAS${flag}" supported)
     check_cxx_compiler_flag("${flag}" ${supported})
@@ -15,6 +16,7 @@ foreach(flag IN ITEMS -fstack-clash-protection -fcf-protection=full -mbranch-pro
         add_compile_options("${flag}")
     endif()
 endforeach()
+unset(CMAKE_REQUIRED_FLAGS)
 
 # A distribution's own flags may have set a lower level before.
 set(optimised "$<CONFIG:Release,RelWithDebInfo,MinSizeRel>")

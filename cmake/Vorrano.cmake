@@ -39,6 +39,14 @@ if(VORRANO_CCACHE AND CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     target_compile_options(vorrano_warnings INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
 endif()
 
+# Linked by what the fuzzers are to find their way in: the program and the simulator, not the tests' own helpers.
+add_library(vorrano_traced INTERFACE)
+if(VORRANO_FUZZ)
+    # Without the comparisons: following them takes half of the time, and the corpora hold the texts that matter.
+    target_compile_options(vorrano_traced INTERFACE -fsanitize=fuzzer-no-link
+                           -fno-sanitize-coverage=trace-cmp,indirect-calls)
+endif()
+
 # vorrano_library(<name> FOLDER <folder below src/> [PUBLIC <libraries>...] [PRIVATE <libraries>...])
 #
 # All sources of the folder (not of its subfolders) as the library vorrano_<name>. Its headers are included as
@@ -55,7 +63,7 @@ function(vorrano_library name)
     if(sources)
         add_library(vorrano_${name} STATIC ${sources})
         set(visible PUBLIC)
-        target_link_libraries(vorrano_${name} PRIVATE vorrano_warnings ${arg_PRIVATE})
+        target_link_libraries(vorrano_${name} PRIVATE vorrano_warnings vorrano_traced ${arg_PRIVATE})
     else()
         add_library(vorrano_${name} INTERFACE)
         set(visible INTERFACE)

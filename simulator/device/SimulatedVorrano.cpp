@@ -319,7 +319,6 @@ void SimulatedVorrano::spoil(const Fault& fault, std::vector<Piece>& pieces)
     case Fault::Kind::Cut:
         whole.bytes.resize(std::min(fault.count, whole.bytes.size()));
         pieces = {whole};
-        std::erase_if(pieces, [](const Piece& piece) { return piece.bytes.empty(); });
         break;
     case Fault::Kind::HangUp:
         whole.bytes.resize(std::min(fault.count, whole.bytes.size()));
@@ -327,6 +326,7 @@ void SimulatedVorrano::spoil(const Fault& fault, std::vector<Piece>& pieces)
         pieces = {whole};
         break;
     }
+    std::erase_if(pieces, [](const Piece& piece) { return piece.bytes.empty() && !piece.hangUpAfter; });
 }
 
 } // namespace vorrano::simulator

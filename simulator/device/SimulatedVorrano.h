@@ -87,6 +87,8 @@ public:
     [[nodiscard]] const Memory& memory() const { return m_memory; }
     void setMemory(const Memory& memory) { m_memory = memory; }
     [[nodiscard]] Mode mode() const { return m_mode; }
+    // Running; no command waits for the rest of its argument, and no reply is kept back for the next one.
+    [[nodiscard]] bool isIdle() const { return m_mode == Mode::Normal && !m_command && m_keptBack.empty(); }
     [[nodiscard]] const Image& image() const { return m_image; }
 
     // Every byte that has come since the start or the last clearReceived().

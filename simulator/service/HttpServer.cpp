@@ -1,5 +1,7 @@
 #include "simulator/service/HttpServer.h"
 
+#include "simulator/service/HttpHead.h"
+
 #include <QFile>
 #include <QHostAddress>
 #include <QSslCertificate>
@@ -16,18 +18,8 @@
 namespace vorrano::simulator {
 namespace {
 
-constexpr qsizetype kLongestHead = 64 * 1024;
+constexpr std::size_t kLongestHead = 64 * 1024;
 constexpr qint64 kEndlessAhead = 64 * 1024;
-
-std::string methodOf(const std::string& target)
-{
-    const std::string_view root = "/VorranoAPI/RestServiceImpl.svc/";
-    if (target.compare(0, root.size(), root) != 0) {
-        return {};
-    }
-    const auto begin = root.size();
-    return target.substr(begin, target.find('/', begin) - begin);
-}
 
 std::string headOf(const Response& response, const std::string& more = {})
 {
@@ -125,17 +117,16 @@ void HttpServer::acceptFrom(QTcpServer& server)
 
 void HttpServer::read(QTcpSocket* socket)
 {
-    const auto sofar = socket->peek(kLongestHead);
-    const auto end = sofar.indexOf("\r\n\r\n");
-    if (end < 0) {
+    const auto sofar = socket->peek(kLongestHead).toStdString();
+    const auto length = lengthOfHead(sofar);
+    if (!length) {
         if (sofar.size() >= kLongestHead) {
             socket->abort();
         }
         return;
     }
-    const auto head = socket->read(end + 4).toStdString();
-    const auto begin = head.find(' ') + 1;
-    const RecordedRequest request{head.substr(begin, head.find(' ', begin) - begin), head};
+    const auto head = socket->read(static_cast<qint64>(*length)).toStdString();
+    const RecordedRequest request{targetOfHead(head), head};
     m_requests.push_back(request);
     m_recorded(request);
     answer(socket, request.target);
@@ -143,7 +134,7 @@ void HttpServer::read(QTcpSocket* socket)
 
 std::optional<ServiceFault> HttpServer::faultFor(const std::string& target)
 {
-    const auto method = methodOf(target);
+    const auto method = methodOfTarget(target);
     const auto found = std::find_if(m_faults.begin(), m_faults.end(),
                                     [&](const ServiceFault& fault) { return fault.method.value_or(method) == method; });
     if (found == m_faults.end()) {

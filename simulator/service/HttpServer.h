@@ -1,10 +1,10 @@
 #pragma once
 
+#include "simulator/service/ServiceFault.h"
 #include "simulator/service/SimulatedService.h"
 
 #include <QTcpServer>
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <list>
@@ -16,26 +16,6 @@
 class QTcpSocket;
 
 namespace vorrano::simulator {
-
-// One way in which the web service misbehaves.
-struct ServiceFault {
-    enum class Kind {
-        NoAnswer, // takes the request and stays silent
-        Slow,     // answers `delay` later
-        Cut,      // ends the connection after `count` bytes of the body
-        Answer,   // `response` instead of its own
-        Redirect, // sends the caller to `location`; empty: to the same address again
-        Endless,  // a body that does not end
-    };
-
-    Kind kind = Kind::NoAnswer;
-    std::optional<std::string> method; // "validateLogin" and so on; none: every request
-    std::optional<unsigned> times;     // none: until the faults are cleared
-    std::chrono::milliseconds delay{0};
-    std::size_t count = 0;
-    Response response;
-    std::string location;
-};
 
 // A request as it came: the target of its first line, byte for byte, and the whole head.
 struct RecordedRequest {

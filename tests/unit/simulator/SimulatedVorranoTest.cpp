@@ -414,6 +414,30 @@ TEST_F(VorranoOnTheLine, CutsItsReply)
     EXPECT_THAT(pieces(), ElementsAre("40"));
 }
 
+TEST_F(VorranoOnTheLine, IsIdleUnlessItWaitsForAnArgumentOrRestarts)
+{
+    EXPECT_TRUE(vorrano.isIdle());
+    for (const char* unfinished : {"8My", "a"}) {
+        send(unfinished);
+        EXPECT_FALSE(vorrano.isIdle()) << unfinished;
+        send("\0"s);
+        EXPECT_TRUE(vorrano.isIdle()) << unfinished;
+    }
+    send("7");
+    EXPECT_FALSE(vorrano.isIdle());
+    wait(SimulatedVorrano::kRestartTime);
+    EXPECT_TRUE(vorrano.isIdle());
+}
+
+TEST_F(VorranoOnTheLine, SaysNothingWhereItsAnswerIsNothing)
+{
+    vorrano.order(faultOf(Fault::Kind::Answer));
+
+    send("0");
+
+    EXPECT_THAT(pieces(), IsEmpty());
+}
+
 TEST_F(VorranoOnTheLine, CutsItsReplyToNothing)
 {
     vorrano.order(faultOf(Fault::Kind::Cut));
