@@ -35,6 +35,7 @@ public:
 
     // The answer of the next alert that has none yet; without one an alert answers kAlertFirstButton.
     void queueAnswer(int button);
+    void forgetAnswers() { m_answers.clear(); }
 
     // Runs inside the next alert that has none yet, with the main queue held: the test may let time pass in it.
     void whileUp(std::function<void()> meanwhile);

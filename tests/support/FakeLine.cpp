@@ -102,6 +102,18 @@ void FakeLine::goOn(TerminalCall call) { m_stalls[call].on = false; }
 
 void FakeLine::delayNext(TerminalCall call, Nanoseconds duration) { m_stalls[call].delays.push_back(duration); }
 
+void FakeLine::recover()
+{
+    m_failures = {};
+    m_nextLimits.clear();
+    m_limit.reset();
+    m_heldByAnother = false;
+    for (auto& [call, stall] : m_stalls) {
+        stall.on = false;
+        stall.delays.clear();
+    }
+}
+
 int FakeLine::stalled(TerminalCall call) const
 {
     const auto known = m_stalls.find(call);

@@ -119,6 +119,9 @@ public:
     // Another program has the line open: EBUSY for ours.
     void setHeldByAnother(bool held) { m_heldByAnother = held; }
 
+    // All is well again: what was ordered of the verbs above and has not happened yet is forgotten.
+    void recover();
+
     // Our program has it open.
     [[nodiscard]] bool isOpen() const { return m_descriptor != 0; }
 

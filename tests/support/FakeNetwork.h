@@ -6,9 +6,11 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace vorrano::support {
@@ -33,6 +35,11 @@ public:
     void answerNothing();
     void answerAfter(Nanoseconds delay, std::optional<std::string> body);
 
+    // A service that answers every request from now on, in place of what is queued. It is called on the request's
+    // thread, where it may wait.
+    using Service = std::function<std::optional<std::string>(const std::string& address)>;
+    void answerBy(Service service) { m_service = std::move(service); }
+
 private:
     struct Answer {
         std::optional<std::string> body;
@@ -45,6 +52,7 @@ private:
     // One for each request that waits; the answers go in this order.
     std::deque<std::uint64_t> m_tickets;
     std::uint64_t m_lastTicket = 0;
+    Service m_service;
 };
 
 // A network whose state a test sets; reachable at first.

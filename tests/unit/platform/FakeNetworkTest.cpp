@@ -74,6 +74,22 @@ TEST_F(FakeNetwork, AnswersAfterTheDelay)
     EXPECT_THAT(bodies, ElementsAre(Optional(std::string("late"))));
 }
 
+TEST_F(FakeNetwork, AsksAServiceInPlaceOfTheQueuedAnswers)
+{
+    world.urlFetch.answer("queued");
+    world.urlFetch.answerBy([this](const std::string& address) {
+        world.time.waitUntil([] { return false; }, world.now() + 1s);
+        return std::optional("of " + address);
+    });
+    fetch("https://one");
+
+    world.advance(999ms);
+    EXPECT_THAT(bodies, IsEmpty());
+    world.advance(1ms);
+
+    EXPECT_THAT(bodies, ElementsAre(Optional(std::string("of https://one"))));
+}
+
 TEST_F(FakeNetwork, GivesUpAfterAMinuteOfSilence)
 {
     fetch("https://one");
