@@ -4,7 +4,7 @@ import struct
 from usb_adapter import FtdiAdapter
 
 # A control call that is under way when the plug is pulled takes the kernel 5 s; the guest is slow besides.
-SLOW = 40.0
+SLOW = 60.0
 
 VENDORS_OWN, SET_FLOW_CONTROL = 0x40, 2
 FLOW_CONTROLS = {0: "none", 1: "RTS/CTS"}

@@ -3,6 +3,7 @@ import os
 import threading
 import tty
 
+from adapter import SLOW
 from usb_adapter import FtdiAdapter
 
 
@@ -11,17 +12,28 @@ class Cable:
 
     def __init__(self, vorrano, serial="A1B2"):
         self._vorrano, self._serial = vorrano, serial
-        self.adapter = self._line = None
+        self.adapter = self._line = self._left = self._taken = None
         self.events = []
 
     def plug(self):
+        """Plugs it in; gives its node once the kernel has made it."""
+        self.push_in()
+        return self.adapter.node(SLOW)
+
+    def push_in(self):
         node = self._vorrano.do("plug")["node"]
+        self._left = None
         self._line = os.open(node, os.O_RDWR | os.O_NOCTTY)
         tty.setraw(self._line)
         self.adapter = FtdiAdapter(serial=self._serial, on_bytes=self._towards_the_device, on_event=self._note)
         threading.Thread(target=self._towards_the_host, args=(self._line, self.adapter), daemon=True).start()
         self.adapter.plug()
-        return self.adapter.node()
+
+    def takes_only(self, count):
+        """After so many bytes nothing more reaches the device. Gives what is set once they have come."""
+        self._left, taken = count, threading.Event()
+        self._taken = taken
+        return taken
 
     def pull(self):
         self.adapter.unplug()
@@ -32,6 +44,10 @@ class Cable:
         self.events.append((name, value))
 
     def _towards_the_device(self, data):
+        if self._left is not None:
+            data, self._left = data[:self._left], self._left - len(data[:self._left])
+            if self._left == 0:
+                self._taken.set()
         try:
             os.write(self._line, data)
         except OSError:

@@ -9,9 +9,10 @@ from harness.waiting import wait_for
 class Probe:
     """port_probe/PortProbe.h has its verbs, and the lines that it says."""
 
-    def __init__(self, executable):
+    def __init__(self, executable, **rights):
+        """`rights` are those of subprocess.Popen: user, group, extra_groups."""
         self._process = subprocess.Popen([executable], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True,
-                                         bufsize=1)
+                                         bufsize=1, **rights)
         self.heard = []
         threading.Thread(target=self._listen, daemon=True).start()
 
