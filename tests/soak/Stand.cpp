@@ -19,7 +19,8 @@ namespace vorrano::soak {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{30};
+// A thread of Qt's own pool leaves after 30 s without work.
+constexpr std::chrono::seconds kPatience{120};
 constexpr std::chrono::milliseconds kLook{2};
 
 class Reachable : public platform::ReachabilityReference {

@@ -19,7 +19,7 @@
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtGate.h"
 #include "platform/qt/QtLayouts.h"
-#include "platform/qt/QtMainQueue.h"
+#include "platform/qtcore/QtMainQueue.h"
 #include "simulator/service/SimulatedService.h"
 #include "soak/PtySource.h"
 #include "soak/PtyVorrano.h"

