@@ -78,7 +78,11 @@ private:
 // Pauses of another clock: they are over at once.
 class NoPause : public platform::Pause {
 public:
-    void pause(std::chrono::nanoseconds) override {}
+    void pause(std::chrono::nanoseconds duration) override { m_now += duration; }
+    [[nodiscard]] std::chrono::nanoseconds now() const override { return m_now; }
+
+private:
+    std::chrono::nanoseconds m_now{};
 };
 
 class NoPower : public platform::PowerEvents {

@@ -2,6 +2,7 @@
 #include "unit/device/DeviceTabTest.h"
 
 #include <cerrno>
+#include <cstring>
 
 using namespace vorrano;
 using namespace vorrano::device;
@@ -16,6 +17,12 @@ const std::string kNotAllowed = "You are not allowed to use the Vorrano's port. 
 const std::string kInUse = "Another program is using the Vorrano's port. Close it to go on here.";
 const std::string kInUseByKettle = "The program “kettle” is using the Vorrano's port. Close it to go on here.";
 const std::string kNoVorrano = "No Vorrano is connected. Plug it in with its USB cable.";
+
+// In the words of the system, whose language is the person's.
+std::string failureOfInput()
+{
+    return std::string("The Vorrano's port could not be opened: ") + std::strerror(EIO) + ".";
+}
 
 // A tab whose port can't be opened at first.
 struct ARefusedPort : DeviceTabTest<WifiSetupViewController> {
@@ -121,7 +128,7 @@ TEST_F(ARefusedPort, IsReportedAnewWhenTheReasonChanges)
     line.failNext(TerminalCall::Open, EIO);
 
     world.advance(1s);
-    EXPECT_EQ(notice(), "The Vorrano's port could not be opened: Input/output error.");
+    EXPECT_EQ(notice(), failureOfInput());
     world.advance(1s);
 
     EXPECT_EQ(notice(), std::nullopt);
@@ -136,8 +143,7 @@ TEST_F(ARefusedPort, IsReadOutOnceForEachReason)
     line.failNext(TerminalCall::Open, EIO);
     world.advance(1s);
 
-    EXPECT_THAT(view().announcements(kLabel),
-                ElementsAre(kInUse, "The Vorrano's port could not be opened: Input/output error."));
+    EXPECT_THAT(view().announcements(kLabel), ElementsAre(kInUse, failureOfInput()));
 }
 
 TEST_F(ARefusedPort, IsNotLookedAtAnyMoreOnceItIsOpen)
