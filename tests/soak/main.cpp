@@ -93,6 +93,9 @@ public:
                 take(round, round == tenth);
             }
         }
+        if (m_repeated * 100 > m_rounds * kQueriesOfARound) {
+            m_breaches.push_back(std::to_string(m_repeated) + " questions had to be repeated");
+        }
         return std::move(m_breaches);
     }
 
@@ -127,10 +130,15 @@ private:
         m_stand.runUntil(listed ? "the Vorrano" : "its removal", [&] { return m_stand.isVorranoListed() == listed; });
     }
 
+    // A chunk is reported before the request queue takes it: a request as quick as this one may get it into its reply,
+    // and then runs out of time. So one that failed is repeated, which must be rare.
     void ask(const Query& query)
     {
-        const auto alert = m_stand.press(query.button);
-        // A chunk is told of before the request queue takes it: a press as quick as this one may find it there.
+        auto alert = m_stand.press(query.button);
+        if (alert.messageText == "ERROR") {
+            ++m_repeated;
+            alert = m_stand.press(query.button);
+        }
         if (query.answer != nullptr && !alert.messageText.value_or("").ends_with(query.answer)) {
             throw std::runtime_error(std::string(query.button) + " shows " + alert.messageText.value_or("nothing"));
         }
@@ -180,6 +188,7 @@ private:
     Stand& m_stand;
     std::size_t m_rounds;
     Measure m_first;
+    std::size_t m_repeated = 0;
     std::vector<std::string> m_breaches;
 };
 

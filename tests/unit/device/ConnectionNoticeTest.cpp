@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstring>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -22,8 +23,6 @@ const Text kNotAllowedWithoutTheGroup =
     "group “dialout” and log in again.";
 const Text kInUse = "Another program is using the Vorrano's port. Close it to go on here.";
 const Text kInUseByKettle = "The program “kettle” is using the Vorrano's port. Close it to go on here.";
-const Text kGone = "The Vorrano's port could not be opened: No such file or directory.";
-const Text kForbidden = "The Vorrano's port could not be opened: Operation not permitted.";
 
 struct NoticeCase {
     TabConnection connection;
@@ -58,8 +57,17 @@ INSTANTIATE_TEST_SUITE_P(OfARefusedPort, TheConnectionNotice,
                          testing::Values(refused({EACCES, {}, {}}, kNotAllowed),
                                          refused({EACCES, "dialout", {}}, kNotAllowedWithoutTheGroup),
                                          refused({EBUSY, {}, {}}, kInUse),
-                                         refused({EBUSY, {}, "kettle"}, kInUseByKettle),
-                                         refused({ENOENT, {}, {}}, kGone), refused({EPERM, {}, {}}, kForbidden)));
+                                         refused({EBUSY, {}, "kettle"}, kInUseByKettle)));
+
+// The system's words are those of the person's language.
+TEST(TheConnectionNoticeOfAnyOtherError, IsInTheWordsOfTheSystem)
+{
+    for (const int error : {ENOENT, EPERM}) {
+        const auto notice = connectionNotice({true, true, PortRefusal{error, {}, {}}});
+
+        EXPECT_EQ(notice, std::string("The Vorrano's port could not be opened: ") + std::strerror(error) + ".");
+    }
+}
 
 const PortRefusal kBusy{EBUSY, {}, {}};
 
