@@ -16,7 +16,7 @@ def GivesTheVorranoItsNetworkByKeysAlone(world):
     keys("alt+a")
     tab = program.find("page tab", "Wifi Setup")
     # A window that goes takes the keyboard with it.
-    wait_for("the sign-in to go", lambda: len(program.windows()) == 1)
+    wait_for("the sign-in to go", lambda: len(world.display.windows(program.pid)) == 1)
     keyboard(tab)
     keys("ctrl+Tab", "ctrl+Tab")
     wait_for("the tab", lambda: program.selected_tab() == "Wifi Setup")

@@ -8,7 +8,7 @@
 #include <string>
 
 #include <bsd/readpassphrase.h>
-#include <string.h>
+#include <cstring>
 
 namespace vorrano::ctl {
 

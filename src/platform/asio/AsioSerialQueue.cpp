@@ -25,7 +25,7 @@ struct Step {
 // task is destroyed before that.
 struct AwaitedStep {
     struct Release {
-        void operator()(std::binary_semaphore* gone) const { gone->release(); }
+        void operator()(std::binary_semaphore* waiter) const { waiter->release(); }
     };
 
     std::unique_ptr<std::binary_semaphore, Release> gone;

@@ -63,7 +63,8 @@ void AsioTimer::cancel()
     const auto released = takeHandler();
     const platform::MutexLock lock(m_mutex);
     if (m_timer && m_schedule.delay > kLong) {
-        m_timer->cancel();
+        asio::error_code never;
+        m_timer->cancel(never);
     }
 }
 

@@ -66,7 +66,8 @@ class Display:
         finally:
             subprocess.run(["xdotool", "keyup", *reversed(keys)], check=True)
 
-    def _windows(self, pid):
+    def windows(self, pid):
+        """The numbers of the program's windows that are on the screen."""
         search = ["xdotool", "search", "--onlyvisible", "--pid", str(pid)]
         return subprocess.run(search, check=False, capture_output=True, text=True).stdout.split()
 
@@ -79,7 +80,7 @@ class Display:
 
     def window_at(self, pid, extents):
         """The number of the program's window that is there, or None."""
-        windows = self._windows(pid)
+        windows = self.windows(pid)
         return next((window for window in windows if self._extents_of(window) == tuple(extents)), None)
 
     def give_keyboard(self, node):
@@ -100,7 +101,7 @@ class Display:
     def close_window(self, pid):
         """What the window's close button does."""
         x = XLib(self.name)
-        x.ask_to_close(int(wait_for("a window", lambda: self._windows(pid))[-1]))
+        x.ask_to_close(int(wait_for("a window", lambda: self.windows(pid))[-1]))
         x.close()
 
     def stop(self):
