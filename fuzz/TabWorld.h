@@ -2,12 +2,15 @@
 
 #include "cloud/LoginViewController.h"
 #include "fuzz/Check.h"
+#include "fuzz/Input.h"
 #include "fuzz/Utf8.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
 #include "session/GlobalVariables.h"
 #include "support/World.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -53,6 +56,17 @@ public:
 private:
     std::shared_ptr<serial::SerialPort> m_port;
 };
+
+// Lets a new tab do what the input says, to its end.
+template <class Tab>
+void actThrough(const std::uint8_t* data, std::size_t size)
+{
+    Input input(data, size);
+    Tab tab;
+    while (!input.atEnd()) {
+        tab.act(input);
+    }
+}
 
 // A request as a tab would have sent it: only its bytes are looked at.
 inline std::shared_ptr<serial::SerialRequest> requestOf(std::string bytes)

@@ -132,10 +132,6 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    fuzz::Input input(data, size);
-    Tab tab;
-    while (!input.atEnd()) {
-        tab.act(input);
-    }
+    fuzz::actThrough<Tab>(data, size);
     return 0;
 }

@@ -24,7 +24,8 @@ protected:
         parent.beginSheet(sheet, [this](int code) { codes.push_back(code); });
     }
 
-    // What the window system is told of it, whatever the platform.
+    // Checks what Qt passes to the window system about a dialog: a dialog without minimise and maximise, modal, over
+    // its window. The same on X11 and on Wayland.
     static void expectDialogOver(const QWidget& dialog, const QWidget& window)
     {
         const QWindow& native = *dialog.windowHandle();
