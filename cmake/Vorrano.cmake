@@ -30,6 +30,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
     # g++ 12 sees an overlap in every assignment of a literal to a std::string (GCC bug 105651).
     target_compile_options(vorrano_warnings INTERFACE -Wno-restrict)
 endif()
+if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+    # Where files are compiled together, g++ takes each for a header, in which an anonymous namespace is a mistake.
+    target_compile_options(vorrano_warnings INTERFACE -Wno-subobject-linkage)
+endif()
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     # What the annotations of platform/Mutex.h say is checked.
     target_compile_options(vorrano_warnings INTERFACE -Wthread-safety)
@@ -100,6 +104,8 @@ function(vorrano_test name)
         list(APPEND properties RESOURCE_LOCK "${arg_LOCK}")
     endif()
     if(VORRANO_TESTS_LOGIC_ONLY)
+        # What a test itself does takes no time, but its compilation does.
+        target_compile_options(test_${name} PRIVATE -O0)
         # Under a sanitizer a program as a whole shows more than each test alone, and starts once.
         add_test(NAME ${name} COMMAND test_${name} --gtest_brief=1)
         set_tests_properties(${name} PROPERTIES ${properties} TIMEOUT 300)

@@ -18,11 +18,10 @@ std::string targetOfHead(std::string_view head)
 
 std::string methodOfTarget(std::string_view target)
 {
-    constexpr std::string_view kRoot = "/VorranoAPI/RestServiceImpl.svc/";
-    if (!target.starts_with(kRoot)) {
+    if (!target.starts_with(kServiceRoot)) {
         return {};
     }
-    target.remove_prefix(kRoot.size());
+    target.remove_prefix(kServiceRoot.size());
     return std::string(target.substr(0, target.find('/')));
 }
 

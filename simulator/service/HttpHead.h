@@ -8,6 +8,9 @@
 // The head of an HTTP request as it comes over the wire.
 namespace vorrano::simulator {
 
+// What the targets of the service's methods begin with.
+inline constexpr std::string_view kServiceRoot = "/VorranoAPI/RestServiceImpl.svc/";
+
 // The length of the head at the start of these bytes, its empty line included; none while that has not come.
 [[nodiscard]] std::optional<std::size_t> lengthOfHead(std::string_view bytes);
 

@@ -1,5 +1,7 @@
 #include "simulator/service/SimulatedService.h"
 
+#include "simulator/service/HttpHead.h"
+
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -10,7 +12,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::string_view kRoot = "/VorranoAPI/RestServiceImpl.svc/";
 constexpr std::string_view kNoPage = "<html><head><title>404</title></head><body>There is no such page.</body></html>";
 
 std::string unescaped(std::string_view text)
@@ -78,10 +79,10 @@ const std::vector<std::string>& SimulatedService::keysInAddressOrder()
 Response SimulatedService::answer(std::string_view target)
 {
     target = target.substr(0, target.find('?'));
-    if (target.substr(0, kRoot.size()) != kRoot) {
+    if (target.substr(0, kServiceRoot.size()) != kServiceRoot) {
         return noPage();
     }
-    target.remove_prefix(kRoot.size());
+    target.remove_prefix(kServiceRoot.size());
     auto segments = segmentsOf(target);
     const auto method = segments.front();
     segments.erase(segments.begin());

@@ -22,7 +22,7 @@ constexpr int kWidth = 420;
 constexpr int kWireHeight = 170;
 constexpr int kMargin = 11;
 constexpr int kCableButtonWidth = 144;
-constexpr int kScreenMargin = 12;
+constexpr int kDeskMargin = 12;
 constexpr std::string_view kCarriageReturn = "\\r";
 constexpr std::string_view kNul = "\\0";
 const QString kToVorrano = QStringLiteral("\u2192 ");
@@ -64,7 +64,7 @@ SimulatorWindow::SimulatorWindow(Simulator& simulator)
     refresh();
     const auto desk = QGuiApplication::primaryScreen()->availableGeometry();
     adjustSize();
-    move(desk.right() - width() - kScreenMargin, desk.top() + kScreenMargin * 3);
+    move(desk.right() - width() - kDeskMargin, desk.top() + kDeskMargin * 3);
 }
 
 void SimulatorWindow::build()
@@ -149,10 +149,9 @@ void SimulatorWindow::heard(const QJsonObject& event)
         m_wireText.cablePulled();
         m_growing.clear();
     }
-    using Mode = SimulatedVorrano::Mode;
     const auto mode = m_simulator.device().mode();
-    m_wireText.setInBootloader(mode == Mode::Bootloader || mode == Mode::Image);
-    if (mode == Mode::Normal) {
+    m_wireText.setInBootloader(mode == SimulatedVorrano::Mode::Bootloader || mode == SimulatedVorrano::Mode::Image);
+    if (mode == SimulatedVorrano::Mode::Normal) {
         m_wireText.setRunning();
     }
     refresh();

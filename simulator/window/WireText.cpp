@@ -1,5 +1,7 @@
 #include "simulator/window/WireText.h"
 
+#include "simulator/service/HttpHead.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -9,7 +11,6 @@ namespace {
 
 constexpr std::string_view kMask = "\u2022\u2022\u2022\u2022";
 constexpr std::ptrdiff_t kAccountSegments = 12;
-constexpr std::string_view kRoot = "/VorranoAPI/RestServiceImpl.svc/";
 
 std::string named(char c)
 {
@@ -92,10 +93,10 @@ void WireText::cablePulled() { *this = WireText(); }
 
 std::string WireText::request(std::string_view target)
 {
-    if (target.substr(0, kRoot.size()) != kRoot) {
+    if (target.substr(0, kServiceRoot.size()) != kServiceRoot) {
         return std::string(target);
     }
-    const auto path = target.substr(kRoot.size());
+    const auto path = target.substr(kServiceRoot.size());
     const auto method = path.substr(0, path.find('/'));
     const auto count = std::count(path.begin(), path.end(), '/');
     std::string text(method);

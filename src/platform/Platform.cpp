@@ -7,7 +7,7 @@
 namespace vorrano::platform {
 
 namespace {
-Platform* s_current = nullptr;
+Platform* s_platform = nullptr;
 } // namespace
 
 Platform::Platform(const Interfaces& interfaces)
@@ -15,21 +15,21 @@ Platform::Platform(const Interfaces& interfaces)
     , m_system({interfaces.mainQueue, interfaces.backgroundQueue, interfaces.notificationCentre, interfaces.terminal,
                 interfaces.deviceRegistry, interfaces.powerEvents, interfaces.systemLog})
 {
-    assert(s_current == nullptr);
-    s_current = this;
+    assert(s_platform == nullptr);
+    s_platform = this;
 }
 
 Platform::~Platform()
 {
     destroyHandedOver();
-    s_current = nullptr;
+    s_platform = nullptr;
 }
 
 Platform& Platform::current()
 {
-    assert(s_current != nullptr);
+    assert(s_platform != nullptr);
     assertMainThread();
-    return *s_current;
+    return *s_platform;
 }
 
 } // namespace vorrano::platform

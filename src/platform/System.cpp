@@ -8,31 +8,31 @@
 namespace vorrano::platform {
 
 namespace {
-System* s_current = nullptr;
+System* s_system = nullptr;
 std::thread::id s_mainThread;
 } // namespace
 
 System::System(const SystemInterfaces& interfaces)
     : SystemInterfaces(interfaces)
 {
-    assert(s_current == nullptr);
-    s_current = this;
+    assert(s_system == nullptr);
+    s_system = this;
     s_mainThread = std::this_thread::get_id();
 }
 
 System::~System()
 {
     destroyHandedOver();
-    s_current = nullptr;
+    s_system = nullptr;
 }
 
 System& System::current()
 {
-    assert(s_current != nullptr);
+    assert(s_system != nullptr);
     assertMainThread();
-    return *s_current;
+    return *s_system;
 }
 
-void assertMainThread() { assert(s_current == nullptr || std::this_thread::get_id() == s_mainThread); }
+void assertMainThread() { assert(s_system == nullptr || std::this_thread::get_id() == s_mainThread); }
 
 } // namespace vorrano::platform

@@ -8,7 +8,6 @@ namespace {
 
 using namespace vorrano;
 using namespace std::chrono_literals;
-using support::eventually;
 using support::Gate;
 
 class SerialQueue : public support::QueueTest {

@@ -9,7 +9,6 @@
 namespace vorrano::campaign {
 
 using namespace std::chrono_literals;
-using support::Nanoseconds;
 
 namespace {
 

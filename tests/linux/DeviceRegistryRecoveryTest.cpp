@@ -19,7 +19,6 @@ using linux_platform::TtyEvent;
 using linux_platform::TtyFacts;
 using linux_platform::TtyRemoved;
 using platform::DeviceEvent;
-using platform::DeviceHandle;
 using platform::DeviceIterator;
 using testing::ElementsAre;
 using testing::IsEmpty;

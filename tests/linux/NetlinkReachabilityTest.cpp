@@ -17,7 +17,6 @@ using platform::kReachable;
 using platform::ReachabilityFlags;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Optional;
 
 namespace {
 

@@ -19,10 +19,10 @@ namespace {
 using namespace std::chrono_literals;
 using platform::Alert;
 using platform::AlertStyle;
+using support::kNotice;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-const Alert kNotice{"Success", {"OK"}, "It is done", AlertStyle::Informational};
 const Alert kQuestion{"Go on?", {"Yes", "No"}, std::nullopt, AlertStyle::Warning};
 
 class Alerts : public support::QtProgram {

@@ -20,7 +20,6 @@ namespace vorrano::qt {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 // The grey value of the image's darkest pixel.
 int darkest(const QImage& image)

@@ -25,11 +25,10 @@
 namespace vorrano::qt {
 namespace {
 
+using support::kNotice;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
-
-const platform::Alert kNotice{"Success", {"OK"}, "It is done", platform::AlertStyle::Informational};
 
 struct Key {
     Qt::Key key = Qt::Key_unknown;

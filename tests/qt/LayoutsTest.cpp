@@ -15,6 +15,8 @@
 namespace vorrano::qt {
 namespace {
 
+using support::kSetup;
+
 enum class Kind { Button, TextField, PopUpButton, ProgressIndicator, ProgressBar, Label, TabView };
 
 struct Outlet {
@@ -48,7 +50,6 @@ platform::Control& connect(platform::View& view, const Outlet& outlet)
 
 constexpr const char* kLogin = "LoginViewController";
 constexpr const char* kAgreement = "EULAWindowViewController";
-constexpr const char* kSetup = "SetupMenuViewController";
 constexpr const char* kAccount = "AccountInfoViewController";
 constexpr const char* kRegister = "RegisterVorranoViewController";
 constexpr const char* kWifi = "WifiSetupViewController";

@@ -17,8 +17,9 @@
 namespace vorrano::qt {
 namespace {
 
+using support::kSetup;
+
 constexpr QSize kScreen{1024, 600};
-constexpr const char* kSetup = "SetupMenuViewController";
 constexpr std::array kTabs{"AccountInfoViewController", "RegisterVorranoViewController", "WifiSetupViewController",
                            "UtilitiesViewController"};
 

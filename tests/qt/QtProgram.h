@@ -22,6 +22,9 @@
 
 namespace vorrano::support {
 
+inline constexpr const char* kSetup = "SetupMenuViewController";
+inline const platform::Alert kNotice{"Success", {"OK"}, "It is done", platform::AlertStyle::Informational};
+
 // The Qt adapters composed as a program composes them, on Qt's offscreen platform.
 class QtProgram : public ::testing::Test {
 protected:

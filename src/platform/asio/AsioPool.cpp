@@ -121,7 +121,7 @@ bool AsioPool::join(std::optional<std::chrono::nanoseconds> limit)
     if (complete) {
         // Work that waited for a thread which the system refused.
         m_context.restart();
-        m_context.poll();
+        platform::guarded(m_log, [this] { m_context.poll(); });
     }
     return complete;
 }

@@ -11,7 +11,7 @@ namespace vorrano::linux_platform {
 
 namespace {
 
-const QString kService = QStringLiteral("org.freedesktop.login1");
+const QString kLogind = QStringLiteral("org.freedesktop.login1");
 const QString kPath = QStringLiteral("/org/freedesktop/login1");
 const QString kManager = QStringLiteral("org.freedesktop.login1.Manager");
 
@@ -58,7 +58,7 @@ void LogindPowerEvents::start()
     }
     // The slot that takes the inhibitor is found by the type's name.
     qRegisterMetaType<QDBusUnixFileDescriptor>();
-    bus.connect(kService, kPath, kManager, QStringLiteral("PrepareForSleep"), this, SLOT(prepareForSleep(bool)));
+    bus.connect(kLogind, kPath, kManager, QStringLiteral("PrepareForSleep"), this, SLOT(prepareForSleep(bool)));
     takeInhibitor();
 }
 
@@ -95,7 +95,7 @@ void LogindPowerEvents::wakeUp()
 // A refused one is no error: the sleep then does not wait for the handlers.
 void LogindPowerEvents::takeInhibitor()
 {
-    const auto request = methodCall(kService, kPath, kManager, QStringLiteral("Inhibit"),
+    const auto request = methodCall(kLogind, kPath, kManager, QStringLiteral("Inhibit"),
                                     {QStringLiteral("sleep"), QStringLiteral("Vorrano Setup"),
                                      QStringLiteral("Serial ports are being closed"), QStringLiteral("delay")});
     QDBusConnection::systemBus().callWithCallback(request, this, SLOT(holdInhibitor(QDBusUnixFileDescriptor)));

@@ -22,7 +22,7 @@ constexpr unsigned kWifiDeviceType = 2;
 constexpr unsigned kUnavailableState = 20;
 constexpr unsigned kActivatedState = 100;
 
-const QString kService = QStringLiteral("org.freedesktop.NetworkManager");
+const QString kNetworkManager = QStringLiteral("org.freedesktop.NetworkManager");
 const QString kManagerPath = QStringLiteral("/org/freedesktop/NetworkManager");
 const QString kDevice = QStringLiteral("org.freedesktop.NetworkManager.Device");
 const QString kWirelessDevice = QStringLiteral("org.freedesktop.NetworkManager.Device.Wireless");
@@ -30,15 +30,15 @@ const QString kAccessPoint = QStringLiteral("org.freedesktop.NetworkManager.Acce
 
 QDBusMessage propertyCall(const QString& path, const QString& interface, const QString& property)
 {
-    return methodCall(kService, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
+    return methodCall(kNetworkManager, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
                       {interface, property});
 }
 
 bool isRunning(const TimedCalls& calls)
 {
-    const QDBusReply<bool> hasOwner =
-        calls.ask(methodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                             QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"), {kService}));
+    const QDBusReply<bool> hasOwner = calls.ask(
+        methodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                   QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"), {kNetworkManager}));
     return hasOwner.isValid() && hasOwner.value();
 }
 
@@ -77,7 +77,7 @@ std::optional<std::vector<QVariant>> propertiesOf(const QStringList& paths, cons
 std::optional<QStringList> wifiDevices(const TimedCalls& calls)
 {
     const auto devices =
-        pathsFrom(calls.ask(methodCall(kService, kManagerPath, kService, QStringLiteral("GetDevices"))));
+        pathsFrom(calls.ask(methodCall(kNetworkManager, kManagerPath, kNetworkManager, QStringLiteral("GetDevices"))));
     const auto types = devices ? propertiesOf(*devices, kDevice, QStringLiteral("DeviceType"), calls) : std::nullopt;
     if (!types) {
         return std::nullopt;
@@ -111,7 +111,7 @@ std::optional<QString> defaultWifiDevice(const TimedCalls& calls)
 // Refused or not, it is for the next reader.
 void sendScanRequest(const QString& device)
 {
-    auto request = methodCall(kService, device, kWirelessDevice, QStringLiteral("RequestScan"), {QVariantMap()});
+    auto request = methodCall(kNetworkManager, device, kWirelessDevice, QStringLiteral("RequestScan"), {QVariantMap()});
     QDBusConnection::systemBus().send(request);
 }
 
@@ -146,8 +146,8 @@ std::optional<std::vector<std::string>> NetworkManagerWifi::scanForNetworks()
     if (!device) {
         return std::nullopt;
     }
-    const auto points =
-        pathsFrom(calls.ask(methodCall(kService, *device, kWirelessDevice, QStringLiteral("GetAllAccessPoints"))));
+    const auto points = pathsFrom(
+        calls.ask(methodCall(kNetworkManager, *device, kWirelessDevice, QStringLiteral("GetAllAccessPoints"))));
     const auto values = points ? propertiesOf(*points, kAccessPoint, QStringLiteral("Ssid"), calls) : std::nullopt;
     if (!values) {
         return std::nullopt;

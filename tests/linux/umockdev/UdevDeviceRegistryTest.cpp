@@ -14,7 +14,6 @@ namespace vorrano {
 
 using linux_platform::UdevDeviceRegistry;
 using platform::DeviceEvent;
-using platform::DeviceHandle;
 using platform::DeviceIterator;
 using support::Adapter;
 using testing::ElementsAre;

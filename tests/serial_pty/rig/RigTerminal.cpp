@@ -36,8 +36,14 @@ SystemResult RigTerminal::setSpeed(platform::TerminalAttributes& attributes, std
 SystemResult RigTerminal::modemLines(int descriptor)
 {
     ++polls;
-    const auto result = m_terminal.modemLines(descriptor);
-    return result.error == ENOTTY && linesOfALineWithout ? SystemResult{linesOfALineWithout()} : result;
+    auto result = m_terminal.modemLines(descriptor);
+    if (result.error == ENOTTY && linesOfALineWithout) {
+        result = SystemResult{linesOfALineWithout()};
+    }
+    if (result.error != 0) {
+        ++refusedPolls;
+    }
+    return result;
 }
 
 SystemResult RigTerminal::setModemLines(int descriptor, int lines)

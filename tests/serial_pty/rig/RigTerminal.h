@@ -22,6 +22,7 @@ public:
     std::atomic<std::uint64_t> roundsWaitedOut = 0;
     std::atomic<std::uint64_t> reads = 0;
     std::atomic<std::uint64_t> polls = 0;
+    std::atomic<std::uint64_t> refusedPolls = 0;
     std::atomic<std::uint64_t> opens = 0;
     std::atomic<std::uint64_t> closes = 0;
 

@@ -1,4 +1,5 @@
 #include "device/ConnectionNotice.h"
+#include "unit/device/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -14,15 +15,8 @@ namespace {
 
 using Text = std::optional<std::string>;
 
-const Text kNoVorrano = "No Vorrano is connected. Plug it in with its USB cable.";
-const Text kOtherVorrano =
-    "The Vorrano in use was unplugged. Another one is connected: choose this tab again to use it.";
-const Text kNotAllowed = "You are not allowed to use the Vorrano's port. Install the package of Vorrano Setup.";
-const Text kNotAllowedWithoutTheGroup =
-    "You are not allowed to use the Vorrano's port. Install the package of Vorrano Setup, or become a member of the "
-    "group “dialout” and log in again.";
-const Text kInUse = "Another program is using the Vorrano's port. Close it to go on here.";
-const Text kInUseByKettle = "The program “kettle” is using the Vorrano's port. Close it to go on here.";
+const Text kNotAllowedWithoutAGroup =
+    "You are not allowed to use the Vorrano's port. Install the package of Vorrano Setup.";
 
 struct NoticeCase {
     TabConnection connection;
@@ -54,8 +48,8 @@ INSTANTIATE_TEST_SUITE_P(OfTheList, TheConnectionNotice,
 NoticeCase refused(PortRefusal refusal, Text notice) { return {{true, true, std::move(refusal)}, std::move(notice)}; }
 
 INSTANTIATE_TEST_SUITE_P(OfARefusedPort, TheConnectionNotice,
-                         testing::Values(refused({EACCES, {}, {}}, kNotAllowed),
-                                         refused({EACCES, "dialout", {}}, kNotAllowedWithoutTheGroup),
+                         testing::Values(refused({EACCES, {}, {}}, kNotAllowedWithoutAGroup),
+                                         refused({EACCES, "dialout", {}}, kNotAllowed),
                                          refused({EBUSY, {}, {}}, kInUse),
                                          refused({EBUSY, {}, "kettle"}, kInUseByKettle)));
 

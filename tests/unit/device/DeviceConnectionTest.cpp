@@ -1,5 +1,6 @@
 #include "device/WifiSetupViewController.h"
 #include "unit/device/DeviceTabTest.h"
+#include "unit/device/Texts.h"
 
 #include <cerrno>
 
@@ -30,10 +31,6 @@ struct OpenTab : WifiSetupViewController {
 };
 
 struct ATabByItself : DeviceTabTest<OpenTab> {};
-
-const std::string kNoVorrano = "No Vorrano is connected. Plug it in with its USB cable.";
-const std::string kOtherVorrano =
-    "The Vorrano in use was unplugged. Another one is connected: choose this tab again to use it.";
 
 TEST_F(DeviceConnection, TakesTheFirstPortWhosePathNamesAVorrano)
 {

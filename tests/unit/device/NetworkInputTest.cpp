@@ -1,4 +1,5 @@
 #include "device/NetworkInput.h"
+#include "unit/device/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -28,8 +29,6 @@ const std::string kThermometer = "\U0001F321"; // two UTF-16 units
 
 const Message kNoSSID = "Please enter a valid SSID";
 const Message kSSIDTooLong = "Network SSID cannot be greater than 32 characters";
-const Message kSSIDHasDollarSign =
-    "SSID cannot have a '$' sign. You will need to change your routers Wifi SSID to not include the '$' sign";
 
 class RefusalOfSSID : public testing::TestWithParam<InputCase> {};
 
@@ -44,8 +43,6 @@ INSTANTIATE_TEST_SUITE_P(
                     InputCase{times(32, "\u00E9"), std::nullopt}, InputCase{"My$Net", kSSIDHasDollarSign},
                     InputCase{"My $ Net", kSSIDHasDollarSign}, InputCase{std::string(33, '$'), kSSIDTooLong}));
 
-const Message kWifiTabPasswordHasDollarSign = "Wifi Password cannot have a '$' sign. You will need to change your "
-                                              "routers Wifi Password to not include the '$' sign";
 const Message kWifiTabPasswordTooLong = "Password cannot be greater than 64 characters";
 
 class RefusalOfWifiTabPassword : public testing::TestWithParam<InputCase> {};
@@ -61,8 +58,8 @@ INSTANTIATE_TEST_SUITE_P(OfText, RefusalOfWifiTabPassword,
                                          InputCase{std::string(65, 'x'), kWifiTabPasswordTooLong},
                                          InputCase{times(32, kThermometer), std::nullopt},
                                          InputCase{times(32, kThermometer) + "x", kWifiTabPasswordTooLong},
-                                         InputCase{"a$", kWifiTabPasswordHasDollarSign},
-                                         InputCase{std::string(65, '$'), kWifiTabPasswordHasDollarSign}));
+                                         InputCase{"a$", kPasswordHasDollarSign},
+                                         InputCase{std::string(65, '$'), kPasswordHasDollarSign}));
 
 const Message kUtilitiesTabPasswordTooLong = "Passwod cannot be greater than 64 characters";
 

@@ -1,5 +1,6 @@
 #include "device/WifiSetupViewController.h"
 #include "unit/device/DeviceTabTest.h"
+#include "unit/device/Texts.h"
 
 #include <cerrno>
 #include <cstring>
@@ -12,11 +13,6 @@ namespace {
 
 constexpr const char* kLabel = "connectionNoticeLabel";
 const std::string kPath = "/dev/cu.usbserial-A1B2";
-const std::string kNotAllowed = "You are not allowed to use the Vorrano's port. Install the package of Vorrano Setup, "
-                                "or become a member of the group “dialout” and log in again.";
-const std::string kInUse = "Another program is using the Vorrano's port. Close it to go on here.";
-const std::string kInUseByKettle = "The program “kettle” is using the Vorrano's port. Close it to go on here.";
-const std::string kNoVorrano = "No Vorrano is connected. Plug it in with its USB cable.";
 
 // In the words of the system, whose language is the person's.
 std::string failureOfInput()

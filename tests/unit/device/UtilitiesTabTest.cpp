@@ -1,12 +1,11 @@
 #include "unit/device/UtilitiesTabTest.h"
+#include "unit/device/Texts.h"
 
 using namespace vorrano;
 using namespace vorrano::device;
 
 namespace {
 
-const std::string kSSIDHasDollarSign =
-    "SSID cannot have a '$' sign. You will need to change your routers Wifi SSID to not include the '$' sign";
 const Alert kInvalidThrottle = alertOf("Invalid Throttle Value", "Throttle should be between 20 and 90");
 
 TEST_F(UtilitiesTab, OffersTheTemperatureUnitsAndShowsTheSecond)

@@ -1,15 +1,11 @@
 #include "device/WifiSetupViewController.h"
 #include "unit/device/DeviceTabTest.h"
+#include "unit/device/Texts.h"
 
 using namespace vorrano;
 using namespace vorrano::device;
 
 namespace {
-
-const std::string kSSIDHasDollarSign =
-    "SSID cannot have a '$' sign. You will need to change your routers Wifi SSID to not include the '$' sign";
-const std::string kPasswordHasDollarSign = "Wifi Password cannot have a '$' sign. You will need to change your "
-                                           "routers Wifi Password to not include the '$' sign";
 
 struct WifiTab : DeviceTabTest<WifiSetupViewController> {
     void save(const std::string& field, const std::string& value, const std::string& button)

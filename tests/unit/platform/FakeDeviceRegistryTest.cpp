@@ -7,7 +7,6 @@ namespace vorrano::support {
 namespace {
 
 using platform::DeviceEvent;
-using platform::DeviceHandle;
 using platform::DeviceIterator;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;

@@ -7,7 +7,7 @@ namespace vorrano::serial {
 
 namespace {
 
-class RequestQueue : public SerialPortFixture {
+class QueueOfRequests : public SerialPortFixture {
 protected:
     // Answers a command by its text, so far as it is known, whenever it is written.
     void answer(const std::string& command, const std::string& reply)
@@ -25,7 +25,7 @@ private:
     std::map<std::string, std::string> m_replies;
 };
 
-TEST_F(RequestQueue, WritesARequestAndDeliversItsResponse)
+TEST_F(QueueOfRequests, WritesARequestAndDeliversItsResponse)
 {
     openQuietly();
     const auto sent = request("3", 2s, endsWith("\n\r"));
@@ -40,7 +40,7 @@ TEST_F(RequestQueue, WritesARequestAndDeliversItsResponse)
     EXPECT_EQ(delegate->port(), port.get());
 }
 
-TEST_F(RequestQueue, HasWrittenTheRequestWhenTheSendReturns)
+TEST_F(QueueOfRequests, HasWrittenTheRequestWhenTheSendReturns)
 {
     openQuietly();
     line.delayNext(TerminalCall::Write, 300ms);
@@ -51,7 +51,7 @@ TEST_F(RequestQueue, HasWrittenTheRequestWhenTheSendReturns)
     EXPECT_EQ(line.written(), "3");
 }
 
-TEST_F(RequestQueue, WritesOnABackgroundThreadAlsoForTheMainThread)
+TEST_F(QueueOfRequests, WritesOnABackgroundThreadAlsoForTheMainThread)
 {
     openQuietly();
 
@@ -60,7 +60,7 @@ TEST_F(RequestQueue, WritesOnABackgroundThreadAlsoForTheMainThread)
     EXPECT_FALSE(world.terminal.calls({TerminalCall::Write}).front().onMainThread);
 }
 
-TEST_F(RequestQueue, NeverAsksTheEvaluatorOnTheMainThreadWhenTheReplyIsThereAtOnce)
+TEST_F(QueueOfRequests, NeverAsksTheEvaluatorOnTheMainThreadWhenTheReplyIsThereAtOnce)
 {
     openQuietly();
     Lines asked;
@@ -76,7 +76,7 @@ TEST_F(RequestQueue, NeverAsksTheEvaluatorOnTheMainThreadWhenTheReplyIsThereAtOn
     EXPECT_THAT(asked, ElementsAre("", "ab"));
 }
 
-TEST_F(RequestQueue, RefusesNoRequestAtAll)
+TEST_F(QueueOfRequests, RefusesNoRequestAtAll)
 {
     openQuietly();
 
@@ -85,7 +85,7 @@ TEST_F(RequestQueue, RefusesNoRequestAtAll)
     EXPECT_THAT(world.terminal.callTexts({TerminalCall::Write}), IsEmpty());
 }
 
-TEST_F(RequestQueue, CompletesARequestWithoutAnEvaluatorRightAfterItsWriteWithoutResponse)
+TEST_F(QueueOfRequests, CompletesARequestWithoutAnEvaluatorRightAfterItsWriteWithoutResponse)
 {
     openQuietly();
     const auto timed = request("9", 2s, endsWith("!"));
@@ -99,7 +99,7 @@ TEST_F(RequestQueue, CompletesARequestWithoutAnEvaluatorRightAfterItsWriteWithou
     EXPECT_THAT(delegate->timedOut(), ElementsAre(timed));
 }
 
-TEST_F(RequestQueue, CompletesARequestWhoseEvaluatorAcceptsNoBytesInTheSameWay)
+TEST_F(QueueOfRequests, CompletesARequestWhoseEvaluatorAcceptsNoBytesInTheSameWay)
 {
     openQuietly();
 
@@ -111,7 +111,7 @@ TEST_F(RequestQueue, CompletesARequestWhoseEvaluatorAcceptsNoBytesInTheSameWay)
     EXPECT_THAT(delegate->heard(), IsEmpty());
 }
 
-TEST_F(RequestQueue, CompletesARequestOfNoBytes)
+TEST_F(QueueOfRequests, CompletesARequestOfNoBytes)
 {
     openQuietly();
 
@@ -122,7 +122,7 @@ TEST_F(RequestQueue, CompletesARequestOfNoBytes)
     EXPECT_THAT(delegate->heard(), IsEmpty());
 }
 
-TEST_F(RequestQueue, WritesThreeRequestsOneAtATimeInTheOrderSent)
+TEST_F(QueueOfRequests, WritesThreeRequestsOneAtATimeInTheOrderSent)
 {
     openQuietly();
     for (const auto* const text : {"1", "2", "3"}) {
@@ -142,7 +142,7 @@ TEST_F(RequestQueue, WritesThreeRequestsOneAtATimeInTheOrderSent)
     EXPECT_THAT(delegate->heard(), ElementsAre("data a!", "response a!", "timeout", "data c!", "response c!"));
 }
 
-TEST_F(RequestQueue, SendsACommandItsTextAndItsTerminatorAtOnceAndDeliversTheOneResponse)
+TEST_F(QueueOfRequests, SendsACommandItsTextAndItsTerminatorAtOnceAndDeliversTheOneResponse)
 {
     openQuietly();
     answer(std::string(1, '\0'), "OK\n\r");
@@ -156,7 +156,7 @@ TEST_F(RequestQueue, SendsACommandItsTextAndItsTerminatorAtOnceAndDeliversTheOne
     EXPECT_THAT(delegate->heard("response"), ElementsAre("response OK\n\r"));
 }
 
-TEST_F(RequestQueue, StartsEachOfManyWithoutEvaluatorsThatWaitedForAnAnswer)
+TEST_F(QueueOfRequests, StartsEachOfManyWithoutEvaluatorsThatWaitedForAnAnswer)
 {
     openQuietly();
     port->sendRequest(request("first", 0s, endsWith("!")));
@@ -170,7 +170,7 @@ TEST_F(RequestQueue, StartsEachOfManyWithoutEvaluatorsThatWaitedForAnAnswer)
     EXPECT_EQ(line.writes().size(), 20'001U);
 }
 
-TEST_F(RequestQueue, TellsDataBeforeTheResponseThatItCompletesForEveryChunk)
+TEST_F(QueueOfRequests, TellsDataBeforeTheResponseThatItCompletesForEveryChunk)
 {
     openQuietly();
     port->sendRequest(request("c", 2s, endsWith("\n\n\r")));
@@ -187,7 +187,7 @@ TEST_F(RequestQueue, TellsDataBeforeTheResponseThatItCompletesForEveryChunk)
                 ElementsAre("data My$", "data Home", "data \n\n", "data \r", "response My$Home\n\n\r"));
 }
 
-TEST_F(RequestQueue, DeliversAllBytesSinceTheStartTheOnesBehindTheEndInTheSameChunkToo)
+TEST_F(QueueOfRequests, DeliversAllBytesSinceTheStartTheOnesBehindTheEndInTheSameChunkToo)
 {
     openQuietly();
     port->sendRequest(request("0", 2s, [](const Bytes& bytes) { return bytes.find("OK") != Bytes::npos; }));
@@ -201,7 +201,7 @@ TEST_F(RequestQueue, DeliversAllBytesSinceTheStartTheOnesBehindTheEndInTheSameCh
 }
 
 // The reader of the ended open is taken off its processor between telling the delegate and handing the bytes over.
-TEST_F(RequestQueue, TakesTheBytesOfTwoOpensInTheOrderInWhichTheDelegateHearsThem)
+TEST_F(QueueOfRequests, TakesTheBytesOfTwoOpensInTheOrderInWhichTheDelegateHearsThem)
 {
     openQuietly();
     port->sendRequest(request("1", 2s, endsWith("!")));
@@ -222,10 +222,10 @@ TEST_F(RequestQueue, TakesTheBytesOfTwoOpensInTheOrderInWhichTheDelegateHearsThe
     EXPECT_THAT(delegate->heard("response"), ElementsAre("response old new!"));
 }
 
-class RequestQueueSplit : public RequestQueue, public testing::WithParamInterface<unsigned> {};
+class QueueOfRequestsSplit : public QueueOfRequests, public testing::WithParamInterface<unsigned> {};
 
 // Every way of cutting a reply of ten bytes: bit n set means a cut behind byte n.
-TEST_P(RequestQueueSplit, DeliversTheConcatenationOnceAfterTheChunkThatCompletesIt)
+TEST_P(QueueOfRequestsSplit, DeliversTheConcatenationOnceAfterTheChunkThatCompletesIt)
 {
     const std::string reply = "123456\n\n\r7";
     openQuietly();
@@ -247,9 +247,9 @@ TEST_P(RequestQueueSplit, DeliversTheConcatenationOnceAfterTheChunkThatCompletes
     EXPECT_EQ(delegate->heard("response").size(), 1U);
 }
 
-INSTANTIATE_TEST_SUITE_P(AtEveryPlace, RequestQueueSplit, testing::Range(0U, 512U));
+INSTANTIATE_TEST_SUITE_P(AtEveryPlace, QueueOfRequestsSplit, testing::Range(0U, 512U));
 
-TEST_F(RequestQueue, AsksTheEvaluatorOnceAfterTheWriteAndOnceAfterEachChunkOffTheMainThread)
+TEST_F(QueueOfRequests, AsksTheEvaluatorOnceAfterTheWriteAndOnceAfterEachChunkOffTheMainThread)
 {
     openQuietly();
     Lines asked;
@@ -272,7 +272,7 @@ TEST_F(RequestQueue, AsksTheEvaluatorOnceAfterTheWriteAndOnceAfterEachChunkOffTh
     EXPECT_THAT(asked, ElementsAre("", "ab", "abcd"));
 }
 
-TEST_F(RequestQueue, ReportsBytesReceivedWhileIdleAndDiscardsThemWhenTheNextRequestStarts)
+TEST_F(QueueOfRequests, ReportsBytesReceivedWhileIdleAndDiscardsThemWhenTheNextRequestStarts)
 {
     openQuietly();
     line.reply("idle");
@@ -286,7 +286,7 @@ TEST_F(RequestQueue, ReportsBytesReceivedWhileIdleAndDiscardsThemWhenTheNextRequ
     EXPECT_THAT(delegate->heard("response"), ElementsAre("response new!"));
 }
 
-TEST_F(RequestQueue, EmptiesTheBufferOnlyWhenARequestStarts)
+TEST_F(QueueOfRequests, EmptiesTheBufferOnlyWhenARequestStarts)
 {
     openQuietly();
     port->sendRequest(request("1", 0s, endsWith("!")));
@@ -302,7 +302,7 @@ TEST_F(RequestQueue, EmptiesTheBufferOnlyWhenARequestStarts)
     EXPECT_THAT(delegate->heard("response"), ElementsAre("response one!", "response two?"));
 }
 
-TEST_F(RequestQueue, DeliversTheSameRequestObjectThatWasSent)
+TEST_F(QueueOfRequests, DeliversTheSameRequestObjectThatWasSent)
 {
     openQuietly();
     const auto sent = request("1", 2s, endsWith("!"));
@@ -315,7 +315,7 @@ TEST_F(RequestQueue, DeliversTheSameRequestObjectThatWasSent)
     EXPECT_EQ(delegate->answered().front()->UUIDString(), sent->UUIDString());
 }
 
-TEST_F(RequestQueue, StartsTheNextRequestWithoutWaitingForTheDeliveryOfAResponse)
+TEST_F(QueueOfRequests, StartsTheNextRequestWithoutWaitingForTheDeliveryOfAResponse)
 {
     openQuietly();
     port->sendRequest(request("1", 2s, endsWith("!")));
@@ -332,7 +332,7 @@ TEST_F(RequestQueue, StartsTheNextRequestWithoutWaitingForTheDeliveryOfAResponse
     EXPECT_THAT(delegate->heard(), ElementsAre("data !", "response !"));
 }
 
-TEST_F(RequestQueue, GoesOnReadingWhileTheNextRequestIsBeingWritten)
+TEST_F(QueueOfRequests, GoesOnReadingWhileTheNextRequestIsBeingWritten)
 {
     openQuietly();
     port->sendRequest(request("1", 2s, endsWith("!")));
@@ -352,7 +352,7 @@ TEST_F(RequestQueue, GoesOnReadingWhileTheNextRequestIsBeingWritten)
     EXPECT_THAT(delegate->heard("response"), ElementsAre("response !", "response during?"));
 }
 
-TEST_F(RequestQueue, TakesRequestsFromAnyThread)
+TEST_F(QueueOfRequests, TakesRequestsFromAnyThread)
 {
     openQuietly();
     bool first = false;
