@@ -66,9 +66,8 @@ int run(const stress::Order& order)
         breaches.push_back("files left over: " + std::to_string(pty_rig::openFiles()) + ", not " +
                            std::to_string(files));
     }
-    if (pty_rig::threads() != threads) {
-        breaches.push_back("threads left over: " + std::to_string(pty_rig::threads()) + ", not " +
-                           std::to_string(threads));
+    if (const auto left = pty_rig::threadsInTheEnd(threads); left != threads) {
+        breaches.push_back("threads left over: " + std::to_string(left) + ", not " + std::to_string(threads));
     }
     constexpr std::size_t kShown = 20;
     for (std::size_t at = 0; at < std::min(breaches.size(), kShown); ++at) {

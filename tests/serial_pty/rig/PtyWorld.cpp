@@ -1,7 +1,9 @@
 #include "serial_pty/rig/PtyWorld.h"
 
+#include <chrono>
 #include <filesystem>
 #include <iterator>
+#include <thread>
 
 namespace vorrano::pty_rig {
 
@@ -18,5 +20,15 @@ std::size_t entriesOf(const char* folder)
 std::size_t openFiles() { return entriesOf("/proc/self/fd"); }
 
 std::size_t threads() { return entriesOf("/proc/self/task"); }
+
+std::size_t threadsInTheEnd(std::size_t expected)
+{
+    using namespace std::chrono_literals;
+    const auto deadline = std::chrono::steady_clock::now() + 5s;
+    while (threads() != expected && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(1ms);
+    }
+    return threads();
+}
 
 } // namespace vorrano::pty_rig

@@ -45,4 +45,8 @@ private:
 [[nodiscard]] std::size_t openFiles();
 [[nodiscard]] std::size_t threads();
 
+// The threads once there are as many as expected, and at the latest after some seconds: the kernel lists a thread that
+// was joined a moment longer.
+[[nodiscard]] std::size_t threadsInTheEnd(std::size_t expected);
+
 } // namespace vorrano::pty_rig
