@@ -53,16 +53,16 @@ def KeepsAnAnswerOnItsLine(world):
 def ListsEachPort(world):
     lines = world.expect(["list"]).splitlines()
 
-    # The mocked nodes have no file of their own that could be allowed or in use.
-    assert [line.split()[:-2] for line in lines] == [
-        ["PORT", "NODE", "VORRANO", "ADAPTER", "SERIAL", "ALLOWED"],
-        [PATH, NODE, "yes", "FT232R", "USB", "UART", "V0"],
-        ["/dev/cu.usbserial-V1", "/dev/ttyUSB1", "yes", "FT232R", "USB", "UART", "V1"]]
+    assert [line.split() for line in lines] == [
+        ["PORT", "NODE", "VORRANO", "ADAPTER", "SERIAL", "ALLOWED", "USED", "BY"],
+        [PATH, NODE, "yes", "FT232R", "USB", "UART", "V0", "yes", "-"],
+        ["/dev/cu.usbserial-V1", "/dev/ttyUSB1", "yes", "FT232R", "USB", "UART", "V1", "yes", "-"]], lines
 
 
 def ListsEachPortInJson(world):
-    assert world.records("list") == [{"port": PATH, "node": NODE, "vorrano": True, "adapter": "FT232R USB UART",
-                                      "serial": "V0", "allowed": False, "usedBy": None}]
+    listed = world.records("list")
+    assert listed == [{"port": PATH, "node": NODE, "vorrano": True, "adapter": "FT232R USB UART",
+                       "serial": "V0", "allowed": True, "usedBy": None}], listed
 
 
 @situation(vorranos=0)

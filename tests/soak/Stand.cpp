@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
+#include <iostream>
 #include <stdexcept>
 #include <utility>
 
@@ -96,7 +98,10 @@ Stand::~Stand()
     cloud::LoginViewController::forgetNetworkScan();
     session::GlobalVariables::releaseShared();
     m_backgroundQueue.stop();
-    m_backgroundQueue.joinWithin(kPatience);
+    if (!m_backgroundQueue.joinWithin(kPatience)) {
+        std::cerr << "a thread does not end" << std::endl;
+        std::abort();
+    }
 }
 
 QWidget& Stand::find(const char* name)

@@ -58,15 +58,15 @@ constexpr std::array kQueries{
 struct Measure {
     std::size_t files = 0;
     std::size_t threads = 0;
-    long memory = 0; // KiB, its share of what it shares with others counted
+    long memory = 0; // KiB, without the files it maps: its share of those grows when another program ends
 };
 
 long proportionalMemory()
 {
     std::ifstream file("/proc/self/smaps_rollup");
     for (std::string line; std::getline(file, line);) {
-        if (line.starts_with("Pss:")) {
-            return std::strtol(line.c_str() + std::strlen("Pss:"), nullptr, 10);
+        if (line.starts_with("Pss_Anon:")) {
+            return std::strtol(line.c_str() + std::strlen("Pss_Anon:"), nullptr, 10);
         }
     }
     throw std::runtime_error("the memory can't be measured");
@@ -85,7 +85,7 @@ public:
         m_stand.signIn();
         m_stand.plug();
         awaitListed(true);
-        print("rounds", "files", "threads", "PSS in KiB");
+        print("rounds", "files", "threads", "memory, KiB");
         const auto tenth = std::max<std::size_t>(1, m_rounds / 10);
         for (std::size_t round = 1; round <= m_rounds; ++round) {
             oneRound();
@@ -93,6 +93,9 @@ public:
                 take(round, round == tenth);
             }
         }
+        // The reader of a line that is open would go on for ever.
+        m_stand.unplug();
+        awaitListed(false);
         if (m_repeated * 100 > m_rounds * kQueriesOfARound) {
             m_breaches.push_back(std::to_string(m_repeated) + " questions had to be repeated");
         }
