@@ -6,6 +6,8 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
+option(CMAKE_UNITY_BUILD "Compile the files of a folder together, some at a time, in half of the time" ON)
+
 # The files that come out depend on whether these are installed, so a package is built without them.
 option(VORRANO_QUICK_TOOLS "Compile with ccache and link with lld where they are installed" ON)
 if(VORRANO_QUICK_TOOLS)
