@@ -2,8 +2,10 @@
 
 #include "cloud/AccountTexts.h"
 #include "cloud/CloudAlerts.h"
+#include "platform/ActionOf.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
+#include "platform/System.h"
 #include "platform/SystemLog.h"
 #include "session/GlobalVariables.h"
 #include "session/TextScreening.h"
@@ -81,11 +83,7 @@ void AccountInfoViewController::connectActions()
 {
     using Handler = void (AccountInfoViewController::*)(Control&);
     const auto connect = [this](std::string_view button, Handler handler) {
-        m_view->button(button).onPress([weak = weak_from_this(), handler](Control& sender) {
-            if (const auto self = weak.lock()) {
-                ((*self).*handler)(sender);
-            }
-        });
+        m_view->button(button).onPress(platform::actionOf(weak_from_this(), handler));
     };
     connect("saveButton", &AccountInfoViewController::saveButton);
     connect("helpButton1", &AccountInfoViewController::helpButton1);
@@ -95,6 +93,7 @@ void AccountInfoViewController::connectActions()
 
 void AccountInfoViewController::awakeFromNib()
 {
+    platform::assertMainThread();
     if (GlobalVariables::getUserIsLoggedIn() == "1") {
         requestAccountInfo();
         m_accountInfoHelpLabel.setHidden(true);
@@ -119,6 +118,7 @@ void AccountInfoViewController::requestAccountInfo()
 
 void AccountInfoViewController::updateViewWithAccountInfo(const web::Reply& reply)
 {
+    platform::assertMainThread();
     // No guard: a value that is no text ends the filling where it stands.
     const auto record = reply.key("data").at(0);
     const auto value = [&record](std::string_view key) { return record.key(key).text().value_or(""); };
@@ -158,6 +158,7 @@ void AccountInfoViewController::saveButton(Control&)
 
 void AccountInfoViewController::updateUIWithDictionary(const web::Reply& reply)
 {
+    platform::assertMainThread();
     try {
         const auto accountID = reply.key("data").at(0).key("Id").text();
         if (accountID == "-1") {

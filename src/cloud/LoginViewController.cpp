@@ -2,9 +2,11 @@
 
 #include "cloud/CloudAlerts.h"
 #include "cloud/LoginTexts.h"
+#include "platform/ActionOf.h"
 #include "platform/MainQueue.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
+#include "platform/System.h"
 #include "platform/WifiInterface.h"
 #include "session/GlobalVariables.h"
 #include "text/Text.h"
@@ -61,11 +63,7 @@ void LoginViewController::connectActions()
 {
     using Handler = void (LoginViewController::*)(Control&);
     const auto connect = [this](std::string_view button, Handler handler) {
-        m_view->button(button).onPress([weak = weak_from_this(), handler](Control& sender) {
-            if (const auto self = weak.lock()) {
-                ((*self).*handler)(sender);
-            }
-        });
+        m_view->button(button).onPress(platform::actionOf(weak_from_this(), handler));
     };
     connect("loginButton", &LoginViewController::loginButton);
     connect("registerVorranoButton", &LoginViewController::registerVorranoButton);
@@ -73,6 +71,7 @@ void LoginViewController::connectActions()
 
 void LoginViewController::awakeFromNib()
 {
+    platform::assertMainThread();
     m_success = false;
     if (!std::exchange(s_networksScanned, true)) {
         m_availableNetworks = m_wifi.scanForNetworks();
@@ -110,6 +109,7 @@ void LoginViewController::handleLogin()
 
 void LoginViewController::validateLoginWithJSON(const web::Reply& json)
 {
+    platform::assertMainThread();
     try {
         const auto accountID = json.key("data").at(0).key("Id").text();
         if (accountID == "0") {

@@ -5,6 +5,7 @@
 #include "device/DeviceCommand.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
+#include "platform/System.h"
 #include "platform/SystemLog.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
@@ -74,12 +75,14 @@ void RegisterVorranoViewController::serialPortDidReceiveResponseToRequest(serial
                                                                           const serial::Bytes& response,
                                                                           const std::shared_ptr<serial::SerialRequest>&)
 {
+    platform::assertMainThread();
     m_macAddressString = text::textFromUtf8(response);
 }
 
 void RegisterVorranoViewController::serialPortRequestDidTimeout(serial::SerialPort&,
                                                                 const std::shared_ptr<serial::SerialRequest>&)
 {
+    platform::assertMainThread();
     m_systemLog.write(register_text::kNoMacAddressLine);
 }
 
@@ -111,6 +114,7 @@ void RegisterVorranoViewController::registerVorrano()
 
 void RegisterVorranoViewController::updateUIWithDictionary(const web::Reply&)
 {
+    platform::assertMainThread();
     try {
         displaySuccessAlertWithString(register_text::kRegistered);
     } catch (const std::exception&) {

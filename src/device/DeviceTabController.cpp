@@ -7,6 +7,7 @@
 #include "platform/NotificationCentre.h"
 #include "platform/OkAlert.h"
 #include "platform/Platform.h"
+#include "platform/System.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortManager.h"
 
@@ -38,6 +39,7 @@ DeviceTabController::~DeviceTabController() = default;
 
 void DeviceTabController::awakeFromNib()
 {
+    platform::assertMainThread();
     initializeSerialPortForCommunication();
     m_listObservation =
         m_portManager->observeAvailablePorts([this](const serial::SerialPortsChange&) { updateConnectionNotice(); });
@@ -88,6 +90,7 @@ void DeviceTabController::setSerialPort(std::shared_ptr<SerialPort> port)
 
 void DeviceTabController::serialPortWasRemovedFromSystem(SerialPort&)
 {
+    platform::assertMainThread();
     if (m_serialPort) {
         m_serialPort->close();
     }
@@ -112,20 +115,18 @@ void DeviceTabController::updateConnectionNotice()
 
 void DeviceTabController::connectQuery(std::string_view button, DeviceCommand command)
 {
-    m_view->button(button).onPress([weak = weak_from_this(), command](platform::Control& sender) {
-        if (const auto self = weak.lock()) {
-            self->query(sender, command);
-        }
-    });
+    m_view->button(button).onPress(
+        platform::actionOf(weak_from_this(), [command](DeviceTabController& self, platform::Control& sender) {
+            self.query(sender, command);
+        }));
 }
 
 void DeviceTabController::connectReset(std::string_view button, DeviceCommand command, std::string_view finished)
 {
-    m_view->button(button).onPress([weak = weak_from_this(), command, finished](platform::Control& sender) {
-        if (const auto self = weak.lock()) {
-            self->reset(sender, command, finished);
-        }
-    });
+    m_view->button(button).onPress(
+        platform::actionOf(weak_from_this(), [command, finished](DeviceTabController& self, platform::Control& sender) {
+            self.reset(sender, command, finished);
+        }));
 }
 
 void DeviceTabController::displayAndStartProgressIndicator(platform::Control&) { m_busyDisplay.start(); }

@@ -3,6 +3,7 @@
 #include "device/DeviceExchange.h"
 #include "device/NoticeLine.h"
 #include "device/VorranoPort.h"
+#include "platform/ActionOf.h"
 #include "platform/BusyDisplay.h"
 #include "platform/Layouts.h"
 #include "platform/Subscription.h"
@@ -114,11 +115,9 @@ protected:
     template <class Tab>
     [[nodiscard]] platform::Action handler(void (Tab::*action)(platform::Control&))
     {
-        return [weak = weak_from_this(), action](platform::Control& sender) {
-            if (const auto self = weak.lock()) {
-                (static_cast<Tab&>(*self).*action)(sender);
-            }
-        };
+        return platform::actionOf(weak_from_this(), [action](DeviceTabController& self, platform::Control& sender) {
+            (static_cast<Tab&>(self).*action)(sender);
+        });
     }
 
     DeviceExchange m_exchange;

@@ -3,8 +3,10 @@
 #include "device/DeviceTexts.h"
 #include "device/NetworkInput.h"
 #include "device/UtilitiesTexts.h"
+#include "platform/ActionOf.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
+#include "platform/System.h"
 #include "platform/SystemLog.h"
 #include "serial/SerialPort.h"
 
@@ -81,11 +83,9 @@ void UtilitiesViewController::setUpTemperatureDisplayPopupButton()
 
 void UtilitiesViewController::connectRawQuery(std::string_view button, DeviceCommand command)
 {
-    view()->button(button).onPress([weak = weak_from_this(), command](Control&) {
-        if (const auto self = weak.lock()) {
-            static_cast<UtilitiesViewController&>(*self).writeQuery(command);
-        }
-    });
+    view()->button(button).onPress(platform::actionOf(weak_from_this(), [command](DeviceTabController& self, Control&) {
+        static_cast<UtilitiesViewController&>(self).writeQuery(command);
+    }));
 }
 
 void UtilitiesViewController::writeQuery(DeviceCommand command)
@@ -159,6 +159,7 @@ serial::SerialPortCallbacks UtilitiesViewController::callbacks() const
 void UtilitiesViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&, const serial::Bytes& response,
                                                                     const std::shared_ptr<serial::SerialRequest>&)
 {
+    platform::assertMainThread();
     m_exchange.receiveResponse(response);
     const bool throttle = m_exchange.queryNumber() == DeviceCommand::ReadThrottle;
     hideAndStopProgressIndicator(nullptr);
@@ -172,12 +173,14 @@ void UtilitiesViewController::serialPortDidReceiveResponseToRequest(serial::Seri
 void UtilitiesViewController::serialPortRequestDidTimeout(serial::SerialPort&,
                                                           const std::shared_ptr<serial::SerialRequest>&)
 {
+    platform::assertMainThread();
     hideAndStopProgressIndicator(nullptr);
     displayAlertWithMessage(device_text::kTryAgain);
 }
 
 void UtilitiesViewController::serialPortDidReceiveData(serial::SerialPort& port, const serial::Bytes& data)
 {
+    platform::assertMainThread();
     m_exchange.receiveChunk(data);
     m_exchange.setChunkSecret(port.isReceivedDataSecret());
     routeToBootloader();

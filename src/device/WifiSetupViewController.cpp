@@ -5,6 +5,7 @@
 #include "device/WifiTexts.h"
 #include "platform/MainThreadDeleter.h"
 #include "platform/Platform.h"
+#include "platform/System.h"
 #include "platform/WifiInterface.h"
 
 namespace vorrano::device {
@@ -153,6 +154,7 @@ serial::SerialPortCallbacks WifiSetupViewController::callbacks() const
 void WifiSetupViewController::serialPortDidReceiveResponseToRequest(serial::SerialPort&, const serial::Bytes& response,
                                                                     const std::shared_ptr<serial::SerialRequest>&)
 {
+    platform::assertMainThread();
     m_exchange.receiveResponse(response);
     hideAndStopProgressIndicator(nullptr);
     displayAlert(m_exchange.receivedString(), device_text::kSuccess);
@@ -161,6 +163,7 @@ void WifiSetupViewController::serialPortDidReceiveResponseToRequest(serial::Seri
 void WifiSetupViewController::serialPortRequestDidTimeout(serial::SerialPort&,
                                                           const std::shared_ptr<serial::SerialRequest>&)
 {
+    platform::assertMainThread();
     displayAlertWithMessage(device_text::kTryAgain);
     hideAndStopProgressIndicator(nullptr);
 }

@@ -1,5 +1,6 @@
 #include "app/shell/EULAWindowViewController.h"
 
+#include "platform/ActionOf.h"
 #include "platform/Layouts.h"
 #include "platform/Platform.h"
 
@@ -25,16 +26,9 @@ EULAWindowViewController::EULAWindowViewController()
 void EULAWindowViewController::connectActions()
 {
     const auto view = m_window->view();
-    view->button("buttonAccept").onPress([weak = weak_from_this()](platform::Control& sender) {
-        if (const auto self = weak.lock()) {
-            self->buttonAccept(sender);
-        }
-    });
-    view->button("buttonCancel").onPress([weak = weak_from_this()](platform::Control& sender) {
-        if (const auto self = weak.lock()) {
-            self->buttonCancel(sender);
-        }
-    });
+    using Controller = EULAWindowViewController;
+    view->button("buttonAccept").onPress(platform::actionOf(weak_from_this(), &Controller::buttonAccept));
+    view->button("buttonCancel").onPress(platform::actionOf(weak_from_this(), &Controller::buttonCancel));
 }
 
 void EULAWindowViewController::buttonAccept(platform::Control&)

@@ -6,6 +6,7 @@
 #include "device/WifiSetupViewController.h"
 #include "platform/Layouts.h"
 #include "platform/Platform.h"
+#include "platform/System.h"
 
 namespace vorrano::shell {
 
@@ -37,6 +38,7 @@ SetupMenuViewController::~SetupMenuViewController() = default;
 
 void SetupMenuViewController::awakeFromNib()
 {
+    platform::assertMainThread();
     m_setupTabView.onSelect([weak = weak_from_this()] {
         if (const auto self = weak.lock()) {
             self->tabViewDidSelectTabViewItem();
@@ -47,6 +49,7 @@ void SetupMenuViewController::awakeFromNib()
 
 void SetupMenuViewController::tabViewDidSelectTabViewItem()
 {
+    platform::assertMainThread();
     const auto label = m_setupTabView.selectedLabel();
     if (label == kAccountLabel) {
         begin(m_accountInfoViewController, kAccountPage);
