@@ -92,6 +92,11 @@ Stand::Stand(int& argc, char** argv, std::filesystem::path image)
 Stand::~Stand()
 {
     unplug();
+    // The reader of a line goes on until its port has been told.
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (isVorranoListed() && std::chrono::steady_clock::now() < end) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
     m_mainQueue.endAndDrain();
     m_program.reset();
     serial::SerialPortManager::releaseShared();

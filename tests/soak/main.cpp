@@ -93,9 +93,6 @@ public:
                 take(round, round == tenth);
             }
         }
-        // The reader of a line that is open would go on for ever.
-        m_stand.unplug();
-        awaitListed(false);
         if (m_repeated * 100 > m_rounds * kQueriesOfARound) {
             m_breaches.push_back(std::to_string(m_repeated) + " questions had to be repeated");
         }
