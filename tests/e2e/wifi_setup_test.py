@@ -176,11 +176,14 @@ def TakesUpACableThatIsPulledDuringAReply(world):
     world.plug_the_cable_in()
     wait_for("the line about the missing Vorrano to go", lambda: not world.program.shows(NO_VORRANO))
 
-    world.program.press("Check network name")
-    # The query that lost its line may still run out of time.
-    if world.program.alert().title == "ERROR":
-        world.program.expect_alert("ERROR", "Please try again")
-    world.program.expect_alert("Not set\n\n\r", "Success")
+    # The query that lost its line may still run out of time, and a press under its alert does nothing.
+    for _ in range(5):
+        world.program.press("Check network name")
+        alert = world.program.alert()
+        world.program.dismiss(alert)
+        if (alert.title, alert.text) != ("ERROR", "Please try again"):
+            break
+    assert (alert.title, alert.text) == ("Not set\n\n\r", "Success"), alert
 
 
 def SaysHowToUseTheOtherVorranoWhenTheOneInUseIsUnplugged(world):
