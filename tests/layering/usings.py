@@ -18,7 +18,8 @@ def unused_names(text):
 
 
 def check(project):
-    files = [file for folder in ("src", "simulator", "tests", "bench", "fuzz") for file in project.glob(folder + "/**/*.cpp")]
+    folders = ("src", "simulator", "tests", "bench", "fuzz")
+    files = [file for folder in folders for file in project.glob(folder + "/**/*.cpp")]
     if not files:
         raise SystemExit("%s has nothing to look at" % project)
     found = ["%s: %s" % (file, name) for file in files for name in unused_names(file.read_text(encoding="utf-8"))]
