@@ -9,11 +9,14 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QTabWidget>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdlib>
 #include <iostream>
+#include <latch>
 #include <stdexcept>
 #include <utility>
 
@@ -21,8 +24,10 @@ namespace vorrano::soak {
 
 namespace {
 
-// A thread of Qt's own pool leaves after 30 s without work.
 constexpr std::chrono::seconds kPatience{120};
+constexpr std::chrono::milliseconds kLifeOfAFreeThread{100}; // of Qt's own pool
+// More than the program's pool keeps when it has nothing to do.
+constexpr std::ptrdiff_t kThreadsAtOnce = 8;
 constexpr std::chrono::milliseconds kLook{2};
 
 class Reachable : public platform::ReachabilityReference {
@@ -84,6 +89,7 @@ Stand::Stand(int& argc, char** argv, std::filesystem::path image)
                                       "https://service.example"})
 {
     m_urlFetch.addAccount();
+    QThreadPool::globalInstance()->setExpiryTimeout(static_cast<int>(kLifeOfAFreeThread.count()));
     // A condition may come true without an event.
     m_look.start(kLook);
     m_program = std::make_unique<shell::VorranoAppDelegate>();
@@ -107,6 +113,15 @@ Stand::~Stand()
         std::cerr << "a thread does not end" << std::endl;
         std::abort();
     }
+}
+
+void Stand::fillThreadPool()
+{
+    const auto all = std::make_shared<std::latch>(kThreadsAtOnce);
+    for (auto i = kThreadsAtOnce; i > 0; --i) {
+        m_backgroundQueue.async([all] { all->arrive_and_wait(); });
+    }
+    runUntil("as many threads at once", [&] { return all->try_wait(); });
 }
 
 QWidget& Stand::find(const char* name)

@@ -143,6 +143,10 @@ public:
     platform::Alert press(const char* button, std::size_t alerts = 1);
     void chooseTab(int index);
 
+    // Has the program's pool keep as many free threads as it ever does. Their number can be compared only then: it
+    // depends on how much went on at the same time before.
+    void fillThreadPool();
+
     // Runs the program until the condition holds; std::runtime_error when it does not in time.
     void runUntil(const std::string& what, const std::function<bool()>& condition);
 

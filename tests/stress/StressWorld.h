@@ -4,7 +4,7 @@
 #include "stress/BrokenQueues.h"
 #include "stress/WatchedQueues.h"
 #include "stress/WatchedTerminal.h"
-#include "support/SerialPlatform.h"
+#include "support/SerialSystem.h"
 
 #include <cstdint>
 
@@ -29,7 +29,7 @@ public:
     WatchedTerminal watchedTerminal{terminal, loop};
 
 private:
-    support::SerialPlatform m_platform{log, loop, queues, watchedTerminal, devices};
+    support::SerialSystem m_system{log, loop, queues, watchedTerminal, devices};
 };
 
 } // namespace vorrano::stress
