@@ -3,14 +3,14 @@
 #include "EchoDevice.h"
 
 #include "platform/asio/AsioBackgroundQueue.h"
+#include "platform/posix/PosixSystemLog.h"
 #include "platform/posix/PosixTerminal.h"
 #include "platform/qtcore/QtMainQueue.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortDelegate.h"
 #include "serial/SerialRequest.h"
-#include "support/FakeDeviceRegistry.h"
-#include "support/FakeSystem.h"
-#include "support/SerialPlatform.h"
+#include "serial_pty/rig/PtyDevices.h"
+#include "support/SerialSystem.h"
 
 #include <chrono>
 #include <thread>
@@ -74,7 +74,7 @@ class OwnPort::Parts {
 public:
     explicit Parts(const std::string& node)
     {
-        m_registry.plug({.calloutPath = kPath, .dialinPath = node, .ttyName = "bench"});
+        m_devices.set(kPath, node);
         port = serial::SerialPort::serialPortWithPath(kPath);
         port->setBaudRate(std::make_shared<const unsigned long>(kBaudRate));
     }
@@ -91,16 +91,12 @@ public:
     std::shared_ptr<Exchanges> delegate;
 
 private:
-    support::FakeSystemLog m_log;
+    posix_platform::PosixSystemLog m_log;
     qt::QtMainQueue m_mainQueue{m_log};
     asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log};
-
-    // A fake clock for the device list alone: it never moves.
-    support::VirtualTime m_noTime{m_log};
-    support::FakeMainQueue m_noQueue{m_noTime};
-    support::FakeDeviceRegistry m_registry{m_noQueue};
-    posix_platform::PosixTerminal m_terminal{m_registry};
-    support::SerialPlatform m_platform{m_log, m_mainQueue, m_backgroundQueue, m_terminal, m_registry};
+    pty_rig::PtyDevices m_devices;
+    posix_platform::PosixTerminal m_terminal{m_devices};
+    support::SerialSystem m_system{m_log, m_mainQueue, m_backgroundQueue, m_terminal, m_devices};
 };
 
 OwnPort::OwnPort(const std::string& node)

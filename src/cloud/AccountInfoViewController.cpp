@@ -29,51 +29,56 @@ std::shared_ptr<AccountInfoViewController> AccountInfoViewController::create()
     return controller;
 }
 
-AccountInfoViewController::Fields::Fields(platform::View& view)
-    : accountID(view.textField("accountID"))
-    , password(view.textField("password"))
-    , confirmPassword(view.textField("confirmPassword"))
-    , guestPassword(view.textField("guestPassword"))
-    , confirmGuestPassword(view.textField("confirmGuestPassword"))
-    , email(view.textField("email"))
-    , name(view.textField("name"))
-    , address(view.textField("address"))
-    , address2(view.textField("address2"))
-    , cityName(view.textField("cityName"))
-    , stateName(view.textField("stateName"))
-    , countryName(view.textField("countryName"))
-    , zipCode(view.textField("zipCode"))
-{}
-
-std::array<platform::TextField*, 13> AccountInfoViewController::Fields::all() const
+AccountInfoViewController::Fields AccountInfoViewController::fieldsOf(platform::View& view)
 {
-    return {&accountID, &password, &confirmPassword, &guestPassword, &confirmGuestPassword, &email,  &name,
-            &address,   &address2, &cityName,        &stateName,     &countryName,          &zipCode};
+    return {
+        .accountID = view.textField("accountID"),
+        .password = view.textField("password"),
+        .confirmPassword = view.textField("confirmPassword"),
+        .guestPassword = view.textField("guestPassword"),
+        .confirmGuestPassword = view.textField("confirmGuestPassword"),
+        .email = view.textField("email"),
+        .name = view.textField("name"),
+        .address = view.textField("address"),
+        .address2 = view.textField("address2"),
+        .cityName = view.textField("cityName"),
+        .stateName = view.textField("stateName"),
+        .countryName = view.textField("countryName"),
+        .zipCode = view.textField("zipCode"),
+    };
 }
 
-AccountForm AccountInfoViewController::Fields::form() const
+std::array<platform::TextField*, 13> AccountInfoViewController::allFields() const
+{
+    const auto& f = m_fields;
+    return {&f.accountID, &f.password,    &f.confirmPassword, &f.guestPassword, &f.confirmGuestPassword,
+            &f.email,     &f.name,        &f.address,         &f.address2,      &f.cityName,
+            &f.stateName, &f.countryName, &f.zipCode};
+}
+
+AccountForm AccountInfoViewController::form() const
 {
     const web::Account account{
-        .accountID = accountID.text(),
-        .password = password.text(),
-        .guestPassword = guestPassword.text(),
-        .email = email.text(),
-        .name = name.text(),
-        .address = address.text(),
-        .address2 = address2.text(),
-        .cityName = cityName.text(),
-        .stateName = stateName.text(),
-        .countryName = countryName.text(),
-        .zipCode = zipCode.text(),
+        .accountID = m_fields.accountID.text(),
+        .password = m_fields.password.text(),
+        .guestPassword = m_fields.guestPassword.text(),
+        .email = m_fields.email.text(),
+        .name = m_fields.name.text(),
+        .address = m_fields.address.text(),
+        .address2 = m_fields.address2.text(),
+        .cityName = m_fields.cityName.text(),
+        .stateName = m_fields.stateName.text(),
+        .countryName = m_fields.countryName.text(),
+        .zipCode = m_fields.zipCode.text(),
     };
-    return {account, confirmPassword.text(), confirmGuestPassword.text()};
+    return {account, m_fields.confirmPassword.text(), m_fields.confirmGuestPassword.text()};
 }
 
 AccountInfoViewController::AccountInfoViewController()
     : m_alerts(Platform::current().alerts)
     , m_systemLog(Platform::current().systemLog)
     , m_view(Platform::current().layouts.loadView("AccountInfoViewController"))
-    , m_fields(*m_view)
+    , m_fields(fieldsOf(*m_view))
     , m_accountInfoHelpLabel(m_view->label("accountInfoHelpLabel"))
 {}
 
@@ -100,7 +105,7 @@ void AccountInfoViewController::awakeFromNib()
     } else {
         m_accountInfoHelpLabel.setHidden(false);
     }
-    for (auto* field : m_fields.all()) {
+    for (auto* field : allFields()) {
         field->onChange([weak = weak_from_this(), field](Control&) {
             if (const auto self = weak.lock()) {
                 self->controlTextDidChange(*field);
@@ -143,7 +148,7 @@ void AccountInfoViewController::saveButton(Control&)
         m_alerts.runModal(networkNotReachableAlert());
         return;
     }
-    const auto entered = m_fields.form();
+    const auto entered = form();
     if (const auto refusal = refusalOf(entered)) {
         displayAlertWithString(refusal);
         return;

@@ -64,10 +64,6 @@ protected:
 private:
     // The thirteen text fields, named as in AccountForm.
     struct Fields {
-        explicit Fields(platform::View& view);
-        [[nodiscard]] std::array<platform::TextField*, 13> all() const;
-        [[nodiscard]] AccountForm form() const;
-
         platform::TextField& accountID;
         platform::TextField& password;
         platform::TextField& confirmPassword;
@@ -83,6 +79,9 @@ private:
         platform::TextField& zipCode;
     };
 
+    [[nodiscard]] static Fields fieldsOf(platform::View& view);
+    [[nodiscard]] std::array<platform::TextField*, 13> allFields() const;
+    [[nodiscard]] AccountForm form() const;
     void connectActions();
     void displayHelp(std::string_view text);
 

@@ -44,11 +44,7 @@ std::shared_ptr<LoginViewController> LoginViewController::create(std::shared_ptr
 }
 
 LoginViewController::LoginViewController(std::shared_ptr<platform::View> view, LoginWindows windows)
-    : m_layouts(Platform::current().layouts)
-    , m_alerts(Platform::current().alerts)
-    , m_mainQueue(Platform::current().mainQueue)
-    , m_wifi(Platform::current().wifi)
-    , m_view(std::move(view))
+    : m_view(std::move(view))
     , m_windows(std::move(windows))
     , m_accountId(m_view->textField("accountId"))
     , m_password(m_view->textField("password"))
@@ -74,26 +70,26 @@ void LoginViewController::awakeFromNib()
     platform::assertMainThread();
     m_success = false;
     if (!std::exchange(s_networksScanned, true)) {
-        m_availableNetworks = m_wifi.scanForNetworks();
+        m_availableNetworks = Platform::current().wifi.scanForNetworks();
     }
 }
 
 void LoginViewController::loginButton(Control& sender)
 {
     if (isNetworkConnectionNotReachable()) {
-        m_alerts.runModal(networkNotReachableAlert());
+        Platform::current().alerts.runModal(networkNotReachableAlert());
         return;
     }
     m_progressBarSender = &sender;
     displayAndStartProgressIndicator(sender);
     if (m_accountId.text().empty()) {
         hideAndStopProgressIndicator(m_progressBarSender);
-        platform::showError(m_alerts, login_text::kNoAccountID);
+        platform::showError(Platform::current().alerts, login_text::kNoAccountID);
         return;
     }
     if (m_password.text().empty()) {
         hideAndStopProgressIndicator(m_progressBarSender);
-        platform::showError(m_alerts, login_text::kNoPassword);
+        platform::showError(Platform::current().alerts, login_text::kNoPassword);
         return;
     }
     handleLogin();
@@ -113,7 +109,7 @@ void LoginViewController::validateLoginWithJSON(const web::Reply& json)
     try {
         const auto accountID = json.key("data").at(0).key("Id").text();
         if (accountID == "0") {
-            m_alerts.runModal(platform::okAlert(login_text::kInvalidTitle, login_text::kTryAgain));
+            Platform::current().alerts.runModal(platform::okAlert(login_text::kInvalidTitle, login_text::kTryAgain));
             hideAndStopProgressIndicator(m_progressBarSender);
             return;
         }
@@ -121,9 +117,11 @@ void LoginViewController::validateLoginWithJSON(const web::Reply& json)
         GlobalVariables::setUserIsLoggedIn("1");
         GlobalVariables::setGlobalAccountID(accountID);
         m_success = true;
-        m_mainQueue.after(kDelayOfSetupMenu, [self = shared_from_this()] { self->navigateToSetupMenu(); });
+        Platform::current().mainQueue.after(kDelayOfSetupMenu,
+                                            [self = shared_from_this()] { self->navigateToSetupMenu(); });
     } catch (const std::exception&) {
-        m_alerts.runModal(platform::okAlert(login_text::kCouldNotConnectTitle, login_text::kTryAgain));
+        Platform::current().alerts.runModal(
+            platform::okAlert(login_text::kCouldNotConnectTitle, login_text::kTryAgain));
         hideAndStopProgressIndicator(m_progressBarSender);
     }
 }
@@ -132,7 +130,7 @@ void LoginViewController::registerVorranoButton(Control&)
 {
     GlobalVariables::setUserIsLoggedIn("0");
     m_eulaWindowViewController = m_windows.makeAgreement();
-    if (const auto keyWindow = m_layouts.keyWindow()) {
+    if (const auto keyWindow = Platform::current().layouts.keyWindow()) {
         keyWindow->beginSheet(m_eulaWindowViewController->window(), [weak = weak_from_this()](int returnCode) {
             if (const auto self = weak.lock()) {
                 self->agreementDidEnd(returnCode);
@@ -152,7 +150,7 @@ void LoginViewController::agreementDidEnd(int returnCode)
 
 void LoginViewController::navigateToSetupMenu()
 {
-    if (const auto keyWindow = m_layouts.keyWindow()) {
+    if (const auto keyWindow = Platform::current().layouts.keyWindow()) {
         // A sign-in may succeed while the agreement is open: then the key window is that sheet, and closing the window
         // under it closes both.
         auto* const parent = keyWindow->sheetParent();

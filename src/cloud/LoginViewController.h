@@ -11,12 +11,6 @@
 #include <string>
 #include <vector>
 
-namespace vorrano::platform {
-class Alerts;
-class MainQueue;
-class WifiInterface;
-} // namespace vorrano::platform
-
 namespace vorrano::cloud {
 
 // The login screen: signs in to an account, or leads through the licence agreement to a new one; both end in the setup
@@ -69,10 +63,6 @@ private:
     void connectActions();
     void agreementDidEnd(int returnCode);
 
-    platform::Layouts& m_layouts;
-    platform::Alerts& m_alerts;
-    platform::MainQueue& m_mainQueue;
-    platform::WifiInterface& m_wifi;
     web::WebCall m_webCall;
     std::shared_ptr<platform::View> m_view;
     LoginWindows m_windows;

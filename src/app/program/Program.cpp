@@ -48,63 +48,106 @@ void releaseProcessWideObjects()
     cloud::LoginViewController::forgetNetworkScan();
 }
 
-// The adapters in the order in which they need each other.
+// What needs nothing else.
+struct Basics {
+    posix_platform::PosixSystemLog log;
+    posix_platform::PosixOperatingSystem operatingSystem;
+    posix_platform::LazyFetch urlFetch{log};
+    platform::NotificationCentre notificationCentre;
+};
+
+// The main thread and its windows.
+struct Desktop {
+    Desktop(int& argc, char** argv, Basics& basics)
+        : application(argc, argv, basics.log)
+        , mainQueue(basics.log)
+        , gate(mainQueue)
+        , loop(mainQueue, gate, basics.notificationCentre, basics.log)
+        , layouts({gate, mainQueue, basics.log}, [this] { loop.quit(); })
+        , alerts(gate, layouts)
+        , openPanel(gate, layouts)
+        , pause(mainQueue, gate)
+    {}
+
+    qt::QtApplication application;
+    qt::QtMainQueue mainQueue;
+    qt::QtGate gate;
+    qt::QtMainLoop loop;
+    qt::QtLayouts layouts;
+    qt::QtAlerts alerts;
+    qt::QtOpenPanel openPanel;
+    qt::QtPause pause;
+};
+
+// The computer: its devices, its network, its power, and the threads that wait for them.
+struct Computer {
+    Computer(const Composition& composition, Basics& basics, Desktop& desktop)
+        : powerEvents([&desktop](platform::Task task) { desktop.mainQueue.asyncPastAlerts(std::move(task)); })
+        , deviceRegistry(composition.makeDeviceRegistry(desktop.mainQueue))
+        , terminal(*deviceRegistry)
+        , portAccess(*deviceRegistry)
+        , wifi(composition.makeWifi())
+        , backgroundQueue(basics.log)
+        , reachability(composition.makeReachability(desktop.mainQueue, backgroundQueue))
+    {}
+
+    linux_platform::LogindPowerEvents powerEvents;
+    linux_platform::LogindStayAwake stayAwake;
+    std::unique_ptr<platform::DeviceRegistry> deviceRegistry;
+    posix_platform::PosixTerminal terminal;
+    posix_platform::PosixPortAccess portAccess;
+    std::unique_ptr<platform::WifiInterface> wifi;
+    asio_platform::AsioBackgroundQueue backgroundQueue;
+    std::unique_ptr<platform::NetworkReachability> reachability;
+};
+
+// All adapters, in the order in which they need each other.
 class Adapters {
 public:
     Adapters(int& argc, char** argv, const Composition& composition)
-        : m_urlFetch(m_log)
-        , m_application(argc, argv, m_log)
-        , m_mainQueue(m_log)
-        , m_gate(m_mainQueue)
-        , m_loop(m_mainQueue, m_gate, m_notificationCentre, m_log)
-        , m_layouts({m_gate, m_mainQueue, m_log}, [this] { m_loop.quit(); })
-        , m_alerts(m_gate, m_layouts)
-        , m_openPanel(m_gate, m_layouts)
-        , m_pause(m_mainQueue, m_gate)
-        , m_powerEvents([this](platform::Task task) { m_mainQueue.asyncPastAlerts(std::move(task)); })
-        , m_deviceRegistry(composition.makeDeviceRegistry(m_mainQueue))
-        , m_terminal(*m_deviceRegistry)
-        , m_portAccess(*m_deviceRegistry)
-        , m_wifi(composition.makeWifi())
-        , m_backgroundQueue(m_log)
-        , m_reachability(composition.makeReachability(m_mainQueue, m_backgroundQueue))
-        , m_platform(platform::Interfaces{m_layouts, m_alerts, m_openPanel, m_mainQueue, m_backgroundQueue,
-                                          m_notificationCentre, m_terminal, *m_deviceRegistry, *m_wifi, *m_reachability,
-                                          m_urlFetch, m_powerEvents, m_stayAwake, m_portAccess, m_pause, m_log,
-                                          m_operatingSystem, composition.serviceBaseUrl})
+        : m_desktop(argc, argv, m_basics)
+        , m_computer(composition, m_basics, m_desktop)
+        , m_platform(interfaces(composition))
     {}
 
-    qt::QtMainLoop& loop() { return m_loop; }
+    qt::QtMainLoop& loop() { return m_desktop.loop; }
 
     // Ends the fetches and the threads. False when a thread is stuck in the kernel.
     bool endBackgroundWork()
     {
-        m_urlFetch.abort();
-        m_backgroundQueue.stop();
-        return m_backgroundQueue.joinWithin(kLongestControlCall);
+        m_basics.urlFetch.abort();
+        m_computer.backgroundQueue.stop();
+        return m_computer.backgroundQueue.joinWithin(kLongestControlCall);
     }
 
 private:
-    posix_platform::PosixSystemLog m_log;
-    posix_platform::PosixOperatingSystem m_operatingSystem;
-    posix_platform::LazyFetch m_urlFetch;
-    platform::NotificationCentre m_notificationCentre;
-    qt::QtApplication m_application;
-    qt::QtMainQueue m_mainQueue;
-    qt::QtGate m_gate;
-    qt::QtMainLoop m_loop;
-    qt::QtLayouts m_layouts;
-    qt::QtAlerts m_alerts;
-    qt::QtOpenPanel m_openPanel;
-    qt::QtPause m_pause;
-    linux_platform::LogindPowerEvents m_powerEvents;
-    linux_platform::LogindStayAwake m_stayAwake;
-    std::unique_ptr<platform::DeviceRegistry> m_deviceRegistry;
-    posix_platform::PosixTerminal m_terminal;
-    posix_platform::PosixPortAccess m_portAccess;
-    std::unique_ptr<platform::WifiInterface> m_wifi;
-    asio_platform::AsioBackgroundQueue m_backgroundQueue;
-    std::unique_ptr<platform::NetworkReachability> m_reachability;
+    platform::Interfaces interfaces(const Composition& composition)
+    {
+        return {
+            m_desktop.layouts,
+            m_desktop.alerts,
+            m_desktop.openPanel,
+            m_desktop.mainQueue,
+            m_computer.backgroundQueue,
+            m_basics.notificationCentre,
+            m_computer.terminal,
+            *m_computer.deviceRegistry,
+            *m_computer.wifi,
+            *m_computer.reachability,
+            m_basics.urlFetch,
+            m_computer.powerEvents,
+            m_computer.stayAwake,
+            m_computer.portAccess,
+            m_desktop.pause,
+            m_basics.log,
+            m_basics.operatingSystem,
+            composition.serviceBaseUrl,
+        };
+    }
+
+    Basics m_basics;
+    Desktop m_desktop;
+    Computer m_computer;
     platform::Platform m_platform;
 };
 

@@ -64,9 +64,7 @@ void UdevDeviceRegistry::release(std::uint32_t handle)
 
 std::optional<std::string> UdevDeviceRegistry::nodeOfCalloutPath(const std::string& path) const
 {
-    const platform::MutexLock lock(m_nodesMutex);
-    const auto found = m_nodesByCalloutPath.find(path);
-    return found == m_nodesByCalloutPath.end() ? std::nullopt : std::optional(found->second);
+    return m_nodes.nodeOf(path);
 }
 
 // Listening starts before the enumeration, so that nothing falls between the two.
@@ -181,12 +179,7 @@ std::optional<std::vector<SerialDevice>> UdevDeviceRegistry::enumerate()
 
 DeviceHandle UdevDeviceRegistry::add(const SerialDevice& device)
 {
-    const platform::MutexLock lock(m_nodesMutex);
-    const auto isFree = [&nodes = m_nodesByCalloutPath](const std::string& path) { return !nodes.contains(path); };
-    const auto free = std::find_if(device.calloutPaths.begin(), device.calloutPaths.end(), isFree);
-    const auto& path = free == device.calloutPaths.end() ? device.calloutPaths.back() : *free;
-    m_nodesByCalloutPath[path] = device.node;
-    m_present.push_back(m_handles.add({device, path}));
+    m_present.push_back(m_handles.add({device, m_nodes.add(device.calloutPaths, device.node)}));
     return m_present.back().device();
 }
 
@@ -194,10 +187,7 @@ void UdevDeviceRegistry::remove(Present::iterator device)
 {
     const auto handle = device->device();
     post(DeviceEvent::Terminated, handle);
-    {
-        const platform::MutexLock lock(m_nodesMutex);
-        m_nodesByCalloutPath.erase(m_handles.find(handle)->calloutPath);
-    }
+    m_nodes.remove(m_handles.find(handle)->calloutPath);
     m_present.erase(device);
 }
 

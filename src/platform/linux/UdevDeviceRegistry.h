@@ -2,7 +2,7 @@
 
 #include "platform/DeviceRegistry.h"
 #include "platform/MainQueue.h"
-#include "platform/Mutex.h"
+#include "platform/linux/CalloutNodes.h"
 #include "platform/linux/DeviceHandles.h"
 #include "platform/linux/DeviceSource.h"
 
@@ -10,7 +10,6 @@
 #include <deque>
 #include <functional>
 #include <list>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -81,13 +80,11 @@ private:
 
     DeviceHandles m_handles;
     Present m_present;
+    CalloutNodes m_nodes;
     std::deque<Event> m_events;
     std::uint64_t m_lastEvent = 0;
     bool m_isDelivering = false;
     std::vector<WatchEntry> m_watches;
-
-    mutable platform::Mutex m_nodesMutex;
-    std::map<std::string, std::string> m_nodesByCalloutPath VORRANO_GUARDED_BY(m_nodesMutex);
 
     // Held weakly by the tasks on the main queue.
     std::shared_ptr<UdevDeviceRegistry*> m_self;

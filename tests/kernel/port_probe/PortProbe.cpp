@@ -157,7 +157,7 @@ void PortProbe::watch()
                 sayOf(port);
             }
         };
-        m_subscriptions.push_back(m_world.serialPlatform.notifications.observe(name, weak_from_this(), told));
+        m_subscriptions.push_back(m_world.serialSystem.notifications.observe(name, weak_from_this(), told));
     };
     m_manager = serial::SerialPortManager::sharedSerialPortManager();
     sayOfEach(serial::kSerialPortWasConnectedNotification, serial::kConnectedSerialPortsKey,

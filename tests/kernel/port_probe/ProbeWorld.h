@@ -5,7 +5,7 @@
 #include "platform/posix/PosixSystemLog.h"
 #include "platform/posix/PosixTerminal.h"
 #include "platform/qtcore/QtMainQueue.h"
-#include "support/SerialPlatform.h"
+#include "support/SerialSystem.h"
 
 #include <thread>
 
@@ -24,7 +24,7 @@ private:
     posix_platform::PosixTerminal m_terminal{m_registry};
 
 public:
-    support::SerialPlatform serialPlatform{log, mainQueue, background, m_terminal, m_registry};
+    support::SerialSystem serialSystem{log, mainQueue, background, m_terminal, m_registry};
 };
 
 } // namespace vorrano::kernel_test

@@ -6,7 +6,7 @@
 #include "serial_pty/rig/PtyDevices.h"
 #include "serial_pty/rig/RigTerminal.h"
 #include "support/FakeSystem.h"
-#include "support/SerialPlatform.h"
+#include "support/SerialSystem.h"
 
 #include <cstddef>
 #include <thread>
@@ -38,7 +38,7 @@ public:
 // The serial layer on them.
 class PtyWorld : public PtyParts {
 private:
-    support::SerialPlatform m_platform{log, loop, background, terminal, devices};
+    support::SerialSystem m_system{log, loop, background, terminal, devices};
 };
 
 // What this process has: open files, and threads.
