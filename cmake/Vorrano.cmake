@@ -8,6 +8,11 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 option(CMAKE_UNITY_BUILD "Compile the files of a folder together, some at a time, in half of the time" ON)
 
+# What is compiled together is one object, of which a program may use a part: the linker leaves out the rest.
+set(released "$<CONFIG:Release,RelWithDebInfo,MinSizeRel>")
+add_compile_options("$<${released}:-ffunction-sections>" "$<${released}:-fdata-sections>")
+add_link_options("$<${released}:-Wl,--gc-sections>")
+
 # The files that come out depend on whether these are installed, so a package is built without them.
 option(VORRANO_QUICK_TOOLS "Compile with ccache and link with lld where they are installed" ON)
 if(VORRANO_QUICK_TOOLS)
