@@ -94,6 +94,15 @@ TYPED_TEST(ATimer, FiresAsATaskOfItsQueue)
     EXPECT_TRUE(this->queues.eventually([&] { return this->fired == 1; }));
 }
 
+TYPED_TEST(ATimer, FiresThoughItsQueueHasBeenDropped)
+{
+    const auto timer = this->makeCounting(5ms);
+    timer->start();
+    this->queue.reset();
+
+    EXPECT_TRUE(this->queues.eventually([&] { return this->fired == 1; }));
+}
+
 TYPED_TEST(ATimer, CancelledBeforeItsTimeNeverFires)
 {
     const auto timer = this->makeCounting(20ms);

@@ -1,99 +1,23 @@
 // What a registry makes of a source that fails, loses events or is late with them.
 #include "linux/EventLoop.h"
 #include "linux/HeldQueue.h"
+#include "linux/ScriptedSource.h"
 #include "platform/linux/UdevDeviceRegistry.h"
-
-#include <deque>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/eventfd.h>
-#include <unistd.h>
 
 namespace vorrano {
 
-using linux_platform::DeviceSource;
 using linux_platform::EventsLost;
 using linux_platform::TtyAdded;
-using linux_platform::TtyEvent;
-using linux_platform::TtyFacts;
 using linux_platform::TtyRemoved;
 using platform::DeviceEvent;
 using platform::DeviceIterator;
+using support::adapter;
+using support::adapterOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-namespace {
-
-// A source whose events and devices the test writes down.
-class ScriptedSource final : public DeviceSource {
-public:
-    struct Script {
-        bool canStart = true;
-        std::optional<std::vector<TtyFacts>> devices{std::in_place};
-        std::deque<TtyEvent> events;
-        std::uint64_t lastNumber = 0;
-        std::vector<std::string> calls;
-    };
-
-    explicit ScriptedSource(Script& script)
-        : m_script(script)
-    {}
-    ~ScriptedSource() override { close(m_descriptor); }
-
-    bool start() override
-    {
-        m_script.calls.emplace_back("start");
-        return m_script.canStart;
-    }
-    [[nodiscard]] int descriptor() const override { return m_descriptor; }
-    [[nodiscard]] std::optional<TtyEvent> receive() override
-    {
-        if (m_script.events.empty()) {
-            return std::nullopt;
-        }
-        const auto event = m_script.events.front();
-        m_script.events.pop_front();
-        return event;
-    }
-    [[nodiscard]] std::optional<std::vector<TtyFacts>> enumerate() override
-    {
-        m_script.calls.emplace_back("enumerate");
-        return m_script.devices;
-    }
-    [[nodiscard]] std::uint64_t lastEventNumber() const override { return m_script.lastNumber; }
-    [[nodiscard]] bool exists(const std::string& sysPath) const override
-    {
-        const auto& devices = m_script.devices.value();
-        return std::any_of(devices.begin(), devices.end(), [&](const auto& tty) { return tty.sysPath == sysPath; });
-    }
-
-private:
-    Script& m_script;
-    const int m_descriptor = eventfd(0, EFD_CLOEXEC);
-};
-
-TtyFacts adapter(const std::string& name, const std::string& serialNumber)
-{
-    TtyFacts facts;
-    facts.sysPath = "/sys/" + name;
-    facts.name = name;
-    facts.node = "/dev/" + name;
-    facts.hasParent = true;
-    facts.parentSubsystem = "usb-serial";
-    facts.serialNumber = serialNumber;
-    facts.path = "pci-usb-0:" + name;
-    return facts;
-}
-
-TtyFacts adapterOf(const std::string& name, const std::string& serialNumber, std::uint64_t initializedAt)
-{
-    auto facts = adapter(name, serialNumber);
-    facts.initializedAt = initializedAt;
-    return facts;
-}
-
-} // namespace
 
 class RegistryOnABadDay : public testing::Test {
 protected:
@@ -121,9 +45,9 @@ protected:
         walk(registry.watch(DeviceEvent::Terminated, [this](auto list) { terminated = walk(list); }).iterator);
     }
 
-    ScriptedSource::Script script;
+    support::ScriptedSource::Script script;
     support::HeldQueue queue;
-    linux_platform::UdevDeviceRegistry registry{queue, std::make_unique<ScriptedSource>(script)};
+    linux_platform::UdevDeviceRegistry registry{queue, std::make_unique<support::ScriptedSource>(script)};
     std::vector<std::string> published;
     std::vector<std::string> terminated;
 };

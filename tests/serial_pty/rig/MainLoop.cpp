@@ -2,12 +2,9 @@
 
 #include "platform/Guarded.h"
 
-#include <stdexcept>
 #include <utility>
 
 namespace vorrano::pty_rig {
-
-using Clock = std::chrono::steady_clock;
 
 struct MainLoop::Waiter {
     std::mutex mutex;
@@ -42,8 +39,11 @@ void MainLoop::async(platform::Task task)
 bool MainLoop::sync(platform::Task task)
 {
     if (isMainThread()) {
-        task();
-        return true;
+        const auto runs = !hasEnded();
+        if (runs) {
+            platform::guarded(m_log, task);
+        }
+        return runs;
     }
     const auto waiter = std::make_shared<Waiter>();
     {
@@ -59,9 +59,18 @@ bool MainLoop::sync(platform::Task task)
     return waiter->ran;
 }
 
-void MainLoop::after(std::chrono::nanoseconds /*delay*/, platform::Task /*task*/)
+void MainLoop::after(std::chrono::nanoseconds delay, platform::Task task)
 {
-    throw std::logic_error("the serial layer puts nothing off");
+    const std::lock_guard lock(m_mutex);
+    if (!m_ended) {
+        m_delayed.emplace(Clock::now() + delay, std::move(task));
+    }
+}
+
+bool MainLoop::hasEnded()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_ended;
 }
 
 bool MainLoop::isMainThread() const { return std::this_thread::get_id() == m_mainThread; }
@@ -105,6 +114,10 @@ bool MainLoop::runOne()
     Item item;
     {
         const std::lock_guard lock(m_mutex);
+        while (!m_delayed.empty() && m_delayed.begin()->first <= Clock::now()) {
+            m_items.push_back({std::move(m_delayed.begin()->second), nullptr});
+            m_delayed.erase(m_delayed.begin());
+        }
         if (m_items.empty()) {
             return false;
         }
@@ -121,10 +134,12 @@ bool MainLoop::runOne()
 void MainLoop::end()
 {
     std::deque<Item> dropped;
+    std::multimap<Clock::time_point, platform::Task> delayed;
     {
         const std::lock_guard lock(m_mutex);
         m_ended = true;
         dropped.swap(m_items);
+        delayed.swap(m_delayed);
     }
     for (const auto& item : dropped) {
         if (item.waiter) {

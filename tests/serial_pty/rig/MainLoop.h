@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -43,6 +44,7 @@ public:
     void end();
 
 private:
+    using Clock = std::chrono::steady_clock;
     // Ends somebody's wait once the task has run or has been dropped.
     struct Waiter;
     struct Item {
@@ -51,12 +53,14 @@ private:
     };
 
     bool runOne();
+    [[nodiscard]] bool hasEnded();
 
     platform::SystemLog& m_log;
     const std::thread::id m_mainThread = std::this_thread::get_id();
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<Item> m_items;
+    std::multimap<Clock::time_point, platform::Task> m_delayed;
     bool m_ended = false;
 };
 
