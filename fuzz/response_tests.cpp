@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 using namespace vorrano;
@@ -22,29 +24,23 @@ bool endsWith(const std::string& bytes, const std::string& end)
     return bytes.size() >= end.size() && std::equal(end.rbegin(), end.rend(), bytes.rbegin());
 }
 
-// Whether the bytes are the whole reply to the command; the rule of each command, told a second time.
-bool isWhole(DeviceCommand command, const std::string& bytes)
+// The rule of each reply test, told a second time. Which command has which test, the unit tests know.
+bool isWholeByRule(const std::optional<device::ReplyTest>& test, const std::string& bytes)
 {
-    switch (command) {
-    case DeviceCommand::MacAddress:
+    if (test == device::kMacPacket) {
         return bytes.size() > 18;
-    case DeviceCommand::ReadSSID:
-    case DeviceCommand::ReadPassword:
-        return bytes.size() > 3 && endsWith(bytes, "\n\n\r");
-    case DeviceCommand::ConnectivityStatus:
-        return bytes.size() > 3 && endsWith(bytes, "\n\r");
-    case DeviceCommand::PowerStatus:
-    case DeviceCommand::ReadThrottle:
-    case DeviceCommand::SetSSID:
-    case DeviceCommand::SetPassword:
-    case DeviceCommand::SetSecurityType:
-    case DeviceCommand::SetWepKey:
-    case DeviceCommand::SetThrottle:
-        return bytes.size() > 3;
-    default:
-        // Resets wait for nothing, and what is sent past the request queue takes any chunk.
-        return true;
     }
+    if (test == device::kTripleTerminator) {
+        return bytes.size() > 3 && endsWith(bytes, "\n\n\r");
+    }
+    if (test == device::kDoubleTerminator) {
+        return bytes.size() > 3 && endsWith(bytes, "\n\r");
+    }
+    if (test == device::kAtLeastFourBytes) {
+        return bytes.size() > 3;
+    }
+    // Resets wait for nothing, and what is sent past the request queue takes any chunk.
+    return true;
 }
 
 struct Request {
@@ -74,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::size_t length = 0; length <= bytes.size(); ++length) {
         const auto sofar = bytes.substr(0, length);
         for (const auto& [command, request] : kRequests) {
-            check(request->dataIsValidResponse(sofar) == isWhole(command, sofar),
+            check(request->dataIsValidResponse(sofar) == isWholeByRule(device::descriptionOf(command).replyTest, sofar),
                   "a reply is whole by its command's rule");
         }
     }

@@ -22,7 +22,7 @@ class UtilitiesReplies {
 public:
     explicit UtilitiesReplies(DeviceExchange& exchange);
 
-    // The first chunk only begins the gathering; the alert comes with a later one that holds no zero line.
+    // The first chunk only begins the gathering; the alert comes with a later one that does not contain "0\n\r".
     void displayADC();
     void displayNetworkConnectivity();
     // Nothing for a chunk that is too short for a version; one that was shown is forgotten.

@@ -4,7 +4,7 @@
 
 namespace vorrano::device {
 
-// What stands in the path of a Vorrano's port, anywhere.
+// A port is a Vorrano's when its path contains this text, at any place.
 inline constexpr std::string_view kVorranoPath = "/dev/cu.usbserial-";
 
 [[nodiscard]] inline bool isVorranoPath(std::string_view path)

@@ -85,8 +85,8 @@ class Label : public virtual Control {
 public:
     virtual void setText(const std::string& text) = 0;
 
-    // Lets a screen reader read the text out. For a label of the layout's that is marked as announced, and on the
-    // screen already: it is read out by itself when it appears.
+    // Lets a screen reader read the text out. Only for a label on the screen that the layout marks as announced. When
+    // such a label appears, it is read out without this call.
     virtual void announce() = 0;
 };
 

@@ -63,15 +63,15 @@ public:
     // Waits until the descriptor is readable: 1, or 0 when the time is over.
     virtual SystemResult waitReadable(int descriptor, std::chrono::microseconds limit) = 0;
 
-    // Sleeps for `duration`, up to `leeway` longer: the computer may put the end together with other wake-ups.
+    // Sleeps for `duration`, up to `leeway` longer, so that the system may combine this wake-up with others.
     virtual void wait(std::chrono::microseconds duration, std::chrono::microseconds leeway) = 0;
 
     // At most into.size() bytes; 0 when the line has been hung up.
     virtual SystemResult read(int descriptor, std::span<std::byte> into) = 0;
     virtual SystemResult write(int descriptor, std::span<const std::byte> bytes) = 0;
 
-    // Gives the line free for other openers. On failure the line stays open. Calls under way on the descriptor, and
-    // later ones, meet a line without data instead of somebody else's file.
+    // Releases the line, so that others can open it. On failure the line stays open. Calls under way on the descriptor,
+    // and later ones, meet a line without data instead of somebody else's file.
     virtual SystemResult close(int descriptor) = 0;
 
     // After a close that succeeded, when nothing uses the number any more: the system may give it out again.

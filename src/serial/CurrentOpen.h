@@ -31,7 +31,7 @@ public:
 
     // The open that the caller has to close: the current one, if it has that number. Without a number the current one
     // in any case. Null when there is nothing to close, or another caller closes it. Ends with setClosed() or
-    // setCloseFailed(); between them setEnded() makes the port read as closed.
+    // setCloseFailed(); between them setEnded() makes get() return null.
     [[nodiscard]] Pointer beginClose(std::optional<std::uint64_t> number);
     void setEnded();
     void setClosed();

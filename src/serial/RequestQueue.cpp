@@ -46,8 +46,8 @@ void RequestQueue::receiveData(Bytes chunk)
 // Takes the first chunk, which another reader may have brought. There is one such step for each chunk.
 void RequestQueue::takeChunk()
 {
-    // Something is due only if its step waits in the queue; a step that finds the queue busy never runs in place. So
-    // this writes on the reader's thread in no case.
+    // Never writes on the reader's thread: when a request is due, its step waits in the queue, and a chunk's step runs
+    // in place only when nothing waits.
     sendNextRequestIfDue();
     {
         const platform::MutexLock lock(m_chunksMutex);

@@ -19,8 +19,8 @@ namespace vorrano::serial {
 // The requests of a port: writes one at a time, gathers what comes back, asks the request whether that is its response,
 // and gives up after its time limit.
 //
-// Threads: sendRequest() on any but the serial queue's, receiveData() and the rest on any. All steps run on the serial
-// queue, so the state has no lock. A step never waits for the main thread, and never calls the delegate.
+// Threads: sendRequest() on any thread, but not in a step of the serial queue; the rest on any. All steps run on the
+// serial queue, so the state has no lock. A step never waits for the main thread, and never calls the delegate.
 // Lifetime: the steps and the timer hold the queue weakly; once it is gone they do nothing.
 class RequestQueue : public std::enable_shared_from_this<RequestQueue> {
 public:

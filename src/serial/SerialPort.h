@@ -29,7 +29,7 @@ namespace vorrano::serial {
 
 class RequestQueue;
 
-// For SerialPort::observe(): each open() that failed, also when it failed as the one before.
+// For SerialPort::observe(): reported after every open() that failed, even with the same error as before.
 inline constexpr std::string_view kOpenErrorKey = "openError";
 
 // A serial port: opens and sets up its device, reads it in the background, writes, mirrors the modem lines, notices

@@ -91,9 +91,9 @@ public:
                                                        const std::shared_ptr<SerialRequest>& /*request*/)
     {}
 
-    // The request is null when its timer fired after the request had been cleared away. That happens when a late
-    // response started it while an earlier time-out was on its way to the delegate: the step after that time-out clears
-    // it.
+    // The request is null when its timer fired after the request had been cleared away. That happens to a request B
+    // that a late response to request A started while the time-out of A was on its way to the delegate: the step after
+    // that time-out clears B.
     virtual void serialPortRequestDidTimeout(SerialPort& /*port*/, const std::shared_ptr<SerialRequest>& /*request*/) {}
 
     // An error of open(), close(), sendData() or a setter that was called on the main thread is reported inside that

@@ -35,7 +35,7 @@ struct SerialPortsChange {
     SerialPorts objects;              // one for each index
 };
 
-// What the registry's callbacks carry around; they know their own kind again.
+// What the registry's callbacks are given; they check that it is a SerialPortManager.
 class CallbackContext {
 public:
     CallbackContext() = default;
@@ -76,7 +76,8 @@ public:
     void removeAvailablePortsAtIndexes(const std::vector<std::size_t>& indexes);
     void removeObjectFromAvailablePortsAtIndex(std::size_t index);
 
-    // Devices have appeared: lists the ports that are not listed yet, then posts their connection, also that of none.
+    // Devices have appeared: lists the ports that are not listed yet, then posts the notification of their connection,
+    // even when no port is new.
     void serialPortsWerePublished(platform::DeviceIterator iterator);
     // Devices have gone: tells and closes their ports, takes them off the list, then posts their disconnection.
     void serialPortsWereTerminated(platform::DeviceIterator iterator);
