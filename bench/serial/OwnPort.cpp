@@ -1,19 +1,13 @@
 #include "OwnPort.h"
 
 #include "EchoDevice.h"
+#include "OwnSystem.h"
 
-#include "platform/asio/AsioBackgroundQueue.h"
-#include "platform/posix/PosixSystemLog.h"
-#include "platform/posix/PosixTerminal.h"
-#include "platform/qtcore/QtMainQueue.h"
 #include "serial/SerialPort.h"
 #include "serial/SerialPortDelegate.h"
 #include "serial/SerialRequest.h"
-#include "serial_pty/rig/PtyDevices.h"
-#include "support/SerialSystem.h"
 
 #include <chrono>
-#include <thread>
 #include <utility>
 
 namespace vorrano::bench {
@@ -21,26 +15,26 @@ namespace vorrano::bench {
 namespace {
 
 using namespace std::chrono_literals;
-
-constexpr const char* kPath = "/dev/cu.usbserial-BENCH";
-constexpr unsigned long kBaudRate = 9600;
+using serial::SerialPortCallback;
 
 class Exchanges final : public serial::SerialPortDelegate {
 public:
-    Exchanges(char request, int times, std::function<void(bool)> done)
+    Exchanges(char request, int times, std::function<void()> replied, std::function<void(bool)> done)
         : m_request(request)
         , m_left(times)
+        , m_replied(std::move(replied))
         , m_done(std::move(done))
     {}
 
     [[nodiscard]] serial::SerialPortCallbacks callbacks() const override
     {
-        return {serial::SerialPortCallback::DidReceiveResponseToRequest, serial::SerialPortCallback::RequestDidTimeout};
+        return {SerialPortCallback::DidReceiveResponseToRequest, SerialPortCallback::RequestDidTimeout};
     }
 
     void serialPortDidReceiveResponseToRequest(serial::SerialPort& port, const serial::Bytes& /*response*/,
                                                const std::shared_ptr<serial::SerialRequest>& /*request*/) override
     {
+        m_replied();
         --m_left;
         next(port);
     }
@@ -65,59 +59,68 @@ public:
 private:
     const char m_request;
     int m_left;
+    const std::function<void()> m_replied;
+    const std::function<void(bool)> m_done;
+};
+
+class Stream final : public serial::SerialPortDelegate {
+public:
+    explicit Stream(std::function<void(bool)> done)
+        : m_done(std::move(done))
+    {}
+
+    [[nodiscard]] serial::SerialPortCallbacks callbacks() const override
+    {
+        return {SerialPortCallback::DidReceiveData};
+    }
+
+    void serialPortDidReceiveData(serial::SerialPort& /*port*/, const serial::Bytes& data) override
+    {
+        for (const char byte : data) {
+            m_isInOrder = byte == streamByte(m_received) && m_isInOrder;
+            ++m_received;
+        }
+        if (m_received >= kStreamLength) {
+            m_done(m_isInOrder && m_received == kStreamLength);
+        }
+    }
+
+private:
+    std::size_t m_received = 0;
+    bool m_isInOrder = true;
     const std::function<void(bool)> m_done;
 };
 
 } // namespace
 
-class OwnPort::Parts {
-public:
-    explicit Parts(const std::string& node)
-    {
-        m_devices.set(kPath, node);
-        port = serial::SerialPort::serialPortWithPath(kPath);
-        port->setBaudRate(std::make_shared<const unsigned long>(kBaudRate));
-    }
-
-    ~Parts()
-    {
-        port->close();
-        m_backgroundQueue.stop();
-        m_backgroundQueue.joinWithin(5s);
-        port.reset();
-    }
-
-    std::shared_ptr<serial::SerialPort> port;
-    std::shared_ptr<Exchanges> delegate;
-
-private:
-    posix_platform::PosixSystemLog m_log;
-    qt::QtMainQueue m_mainQueue{m_log};
-    asio_platform::AsioBackgroundQueue m_backgroundQueue{m_log};
-    pty_rig::PtyDevices m_devices;
-    posix_platform::PosixTerminal m_terminal{m_devices};
-    support::SerialSystem m_system{m_log, m_mainQueue, m_backgroundQueue, m_terminal, m_devices};
-};
-
-OwnPort::OwnPort(const std::string& node)
-    : m_parts(std::make_unique<Parts>(node))
+OwnPort::OwnPort(OwnSystem& system, const std::string& node)
+    : m_port(system.makePort(node))
 {}
 
-OwnPort::~OwnPort() = default;
+OwnPort::~OwnPort() { m_port->close(); }
 
 bool OwnPort::open()
 {
-    m_parts->port->open();
-    return m_parts->port->isOpen();
+    m_port->open();
+    return m_port->isOpen();
 }
 
-void OwnPort::close() { m_parts->port->close(); }
+void OwnPort::close() { m_port->close(); }
 
 void OwnPort::exchange(char request, int times, std::function<void(bool)> done)
 {
-    m_parts->delegate = std::make_shared<Exchanges>(request, times, std::move(done));
-    m_parts->port->setDelegate(m_parts->delegate);
-    m_parts->delegate->next(*m_parts->port);
+    const auto exchanges = std::make_shared<Exchanges>(
+        request, times, [this] { replied(); }, std::move(done));
+    m_delegate = exchanges;
+    m_port->setDelegate(m_delegate);
+    exchanges->next(*m_port);
+}
+
+void OwnPort::receiveStream(std::function<void(bool)> done)
+{
+    m_delegate = std::make_shared<Stream>(std::move(done));
+    m_port->setDelegate(m_delegate);
+    m_port->sendData(serial::Bytes(1, kStreamRequest));
 }
 
 } // namespace vorrano::bench

@@ -1,32 +1,33 @@
 #pragma once
 
-#include <functional>
+#include "StreamPort.h"
+
 #include <memory>
 #include <string>
 
+namespace vorrano::serial {
+class SerialPort;
+class SerialPortDelegate;
+} // namespace vorrano::serial
+
 namespace vorrano::bench {
 
-// This project's serial port over its real adapters: Qt's main loop, asio's queues, Linux's terminals.
-//
-// Threads: the main thread.
-class OwnPort {
+class OwnSystem;
+
+// This project's serial port.
+class OwnPort final : public StreamPort {
 public:
-    explicit OwnPort(const std::string& node);
-    OwnPort(const OwnPort&) = delete;
-    OwnPort& operator=(const OwnPort&) = delete;
-    ~OwnPort();
+    OwnPort(OwnSystem& system, const std::string& node);
+    ~OwnPort() override;
 
-    // Whether the port is open now.
-    bool open();
-    void close();
-
-    // Makes that many exchanges, each sent from the main loop once the one before was answered there; then tells
-    // whether all were answered, from the main loop too.
-    void exchange(char request, int times, std::function<void(bool)> done);
+    bool open() override;
+    void close() override;
+    void exchange(char request, int times, std::function<void(bool)> done) override;
+    void receiveStream(std::function<void(bool)> done) override;
 
 private:
-    class Parts;
-    const std::unique_ptr<Parts> m_parts;
+    const std::shared_ptr<serial::SerialPort> m_port;
+    std::shared_ptr<serial::SerialPortDelegate> m_delegate;
 };
 
 } // namespace vorrano::bench

@@ -50,6 +50,7 @@ void QtPort::readyRead()
         return;
     }
     m_timeout.stop();
+    replied();
     --m_left;
     next();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Port.h"
+
 #include <QSerialPort>
 #include <QTimer>
 
@@ -11,13 +13,13 @@ namespace vorrano::bench {
 // The same exchanges by Qt's own serial port class, each with a time-out too.
 //
 // Threads: the main thread.
-class QtPort {
+class QtPort final : public Port {
 public:
     explicit QtPort(const std::string& node);
 
-    bool open();
-    void close();
-    void exchange(char request, int times, std::function<void(bool)> done);
+    bool open() override;
+    void close() override;
+    void exchange(char request, int times, std::function<void(bool)> done) override;
 
 private:
     void next();

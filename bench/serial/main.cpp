@@ -3,8 +3,10 @@
 //
 // usage: bench_serial [exchanges per run]     ends with 1 when a limit is passed, with 2 when it could not measure
 #include "BarePoll.h"
+#include "Cost.h"
 #include "EchoDevice.h"
 #include "OwnPort.h"
+#include "OwnSystem.h"
 #include "QtPort.h"
 
 #include <QCoreApplication>
@@ -16,15 +18,11 @@
 #include <charconv>
 #include <chrono>
 #include <cstdio>
-#include <stdexcept>
 #include <string_view>
-
-#include <sys/resource.h>
 
 namespace {
 
 using namespace vorrano::bench;
-using Microseconds = std::chrono::duration<double, std::micro>;
 
 constexpr int kRuns = 5;
 // A run is made of slices of the one and the other in turn, so that both meet the same load of the computer.
@@ -41,66 +39,6 @@ constexpr double kHighestIdleShare = 0.004;
 // The three in turn as well.
 constexpr int kIdleSlices = 5;
 constexpr std::chrono::milliseconds kIdleSlice{1000};
-
-Microseconds cpuTime()
-{
-    rusage used{};
-    ::getrusage(RUSAGE_SELF, &used);
-    const auto spent = [](const timeval& time) {
-        return Microseconds(std::chrono::seconds(time.tv_sec)) + Microseconds(time.tv_usec);
-    };
-    return spent(used.ru_utime) + spent(used.ru_stime);
-}
-
-struct Cost {
-    Microseconds time{};
-    Microseconds cpu{};
-
-    Cost& operator+=(const Cost& other)
-    {
-        time += other.time;
-        cpu += other.cpu;
-        return *this;
-    }
-};
-
-// What `wait` costs while it lasts.
-template <class Wait>
-Cost costOf(Wait wait)
-{
-    const auto begun = std::chrono::steady_clock::now();
-    const auto cpuBefore = cpuTime();
-    wait();
-    return {std::chrono::steady_clock::now() - begun, cpuTime() - cpuBefore};
-}
-
-template <class Port>
-Cost costOfExchanges(Port& port, char request, int times)
-{
-    bool answered = false;
-    const auto cost = costOf([&] {
-        QEventLoop loop;
-        QTimer::singleShot(0, &loop, [&] {
-            port.exchange(request, times, [&](bool all) {
-                answered = all;
-                loop.quit();
-            });
-        });
-        loop.exec();
-    });
-    if (!answered) {
-        throw std::runtime_error("a request was not answered");
-    }
-    return cost;
-}
-
-template <class Port>
-void open(Port& port)
-{
-    if (!port.open()) {
-        throw std::runtime_error("the port does not open");
-    }
-}
 
 double median(std::array<double, kRuns> values)
 {
@@ -121,7 +59,7 @@ struct Ratios {
 };
 
 // Medians of ours over Qt's.
-Ratios compare(OwnPort& own, QtPort& qt, char request, int slices, int exchangesEach)
+Ratios compare(Port& own, Port& qt, char request, int slices, int exchangesEach)
 {
     open(own);
     open(qt);
@@ -146,7 +84,7 @@ Ratios compare(OwnPort& own, QtPort& qt, char request, int slices, int exchanges
     return {median(timeRatios), median(cpuRatios)};
 }
 
-bool compareRoundTrips(OwnPort& own, QtPort& qt, int times)
+bool compareRoundTrips(Port& own, Port& qt, int times)
 {
     const auto [time, cpu] = compare(own, qt, kRequest, kSlices, times / kSlices + 1);
     const bool quick = judge("round trip against Qt, median of 5:", time, kHighestRatio, " times");
@@ -154,7 +92,7 @@ bool compareRoundTrips(OwnPort& own, QtPort& qt, int times)
     return quick && cheap;
 }
 
-bool comparePaced(OwnPort& own, QtPort& qt)
+bool comparePaced(Port& own, Port& qt)
 {
     const auto paced = compare(own, qt, kPacedRequest, kPacedSlices, kPacedExchanges);
     return judge("CPU at the line's pace against Qt:", paced.cpu, kHighestPacedRatio, " times");
@@ -162,10 +100,10 @@ bool comparePaced(OwnPort& own, QtPort& qt)
 
 // An open port against a closed one, and against the least that such a poll can cost on this computer: where that alone
 // is more than the limit, the port may cost twice that.
-bool measureIdle(OwnPort& own, const BarePoll& bare)
+bool measureIdle(Port& own, const BarePoll& bare)
 {
-    const auto idle = [] {
-        return costOf([] {
+    const auto idle = [&own] {
+        return costOf(own, [] {
             QEventLoop loop;
             QTimer::singleShot(kIdleSlice, Qt::PreciseTimer, &loop, &QEventLoop::quit);
             loop.exec();
@@ -176,7 +114,7 @@ bool measureIdle(OwnPort& own, const BarePoll& bare)
     Cost least;
     for (int i = 0; i < kIdleSlices; ++i) {
         closed += idle();
-        least += costOf([&] { bare.poll(kIdleSlice); });
+        least += costOf(own, [&] { bare.poll(kIdleSlice); });
         open(own);
         opened += idle();
         own.close();
@@ -195,7 +133,8 @@ int measure(int argc, char** argv, const EchoDevice& ownDevice, const EchoDevice
         std::from_chars(given.data(), given.data() + given.size(), times);
     }
     const QCoreApplication application(argc, argv);
-    OwnPort own(ownDevice.node());
+    OwnSystem system;
+    OwnPort own(system, ownDevice.node());
     QtPort qt(qtDevice.node());
     const bool roundTrips = compareRoundTrips(own, qt, std::max(times, 1));
     const bool paced = comparePaced(own, qt);

@@ -32,7 +32,8 @@ class Program:
         self._bus = bus
         self._display = display
         self._log = open(log, "w", encoding="utf-8")
-        self._process = subprocess.Popen([*through, os.path.abspath(executable), *arguments], env=environment,
+        self.executable = os.path.abspath(executable)
+        self._process = subprocess.Popen([*through, self.executable, *arguments], env=environment,
                                          stdin=subprocess.DEVNULL, stdout=self._log, stderr=self._log, cwd=folder)
         self.pid = self._process.pid
         self.root = wait_for("the program on the accessibility bus", self._find_root)

@@ -37,13 +37,18 @@ class World:
         if started:
             self.start()
 
-    def start(self, extra=None, arguments=(), through=()):
-        """Starts the program, without anything of the person's own desktop; extra goes into its environment, and the
-        command `through`, if there is one, starts it."""
+    def environment(self):
+        """That of the program, without anything of the person's own desktop."""
         environment = {name: value for name, value in os.environ.items() if name not in HIDDEN}
-        environment.update(self.computer.environment(), QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_QPA_PLATFORM="xcb",
-                           HOME=self.folder, XDG_RUNTIME_DIR=self.folder, XDG_CONFIG_HOME=self.folder,
+        environment.update(self.computer.environment(), QT_QPA_PLATFORM="xcb", HOME=self.folder,
+                           XDG_RUNTIME_DIR=self.folder, XDG_CONFIG_HOME=self.folder,
                            DBUS_SYSTEM_BUS_ADDRESS="unix:path=%s/no-system-bus" % self.folder)
+        return environment
+
+    def start(self, extra=None, arguments=(), through=()):
+        """Starts the program; extra goes into its environment, and the command `through`, if there is one, starts
+        it."""
+        environment = dict(self.environment(), QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
         for name, value in (extra or {}).items():
             environment[name] = value + ":" + environment[name] if name == "LD_PRELOAD" else value
         self.program = Program(self.bus, self.display, os.path.join(self.build, self._program_name), environment,

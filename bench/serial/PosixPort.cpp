@@ -1,0 +1,106 @@
+#include "PosixPort.h"
+
+#include "EchoDevice.h"
+
+#include <array>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace vorrano::bench {
+
+namespace {
+
+constexpr int kTimeout = 2000; // milliseconds
+constexpr std::size_t kLargestChunk = 1024;
+
+using Chunk = std::array<char, kLargestChunk>;
+
+// The bytes that came; none after an error or the time-out.
+std::size_t receive(int line, Chunk& chunk)
+{
+    pollfd wait{line, POLLIN, 0};
+    if (::poll(&wait, 1, kTimeout) <= 0) {
+        return 0;
+    }
+    const auto count = ::read(line, chunk.data(), chunk.size());
+    return count > 0 ? static_cast<std::size_t>(count) : 0;
+}
+
+} // namespace
+
+PosixPort::PosixPort(std::string node)
+    : m_node(std::move(node))
+{}
+
+PosixPort::~PosixPort() { close(); }
+
+bool PosixPort::open()
+{
+    m_line = ::open(m_node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios raw{};
+    ::cfmakeraw(&raw);
+    ::cfsetspeed(&raw, B9600);
+    raw.c_cflag |= CREAD | CLOCAL;
+    return m_line >= 0 && ::tcsetattr(m_line, TCSANOW, &raw) == 0;
+}
+
+void PosixPort::close()
+{
+    if (m_line >= 0) {
+        ::close(std::exchange(m_line, -1));
+    }
+}
+
+void PosixPort::exchange(char request, int times, std::function<void(bool)> done)
+{
+    bool all = true;
+    for (int i = 0; i < times && all; ++i) {
+        all = exchangeOnce(request);
+        replied();
+    }
+    done(all);
+}
+
+bool PosixPort::exchangeOnce(char request) const
+{
+    if (::write(m_line, &request, 1) != 1) {
+        return false;
+    }
+    Chunk chunk;
+    for (std::size_t received = 0; received < kReplyLength;) {
+        const auto count = receive(m_line, chunk);
+        if (count == 0) {
+            return false;
+        }
+        received += count;
+    }
+    return true;
+}
+
+void PosixPort::receiveStream(std::function<void(bool)> done)
+{
+    done(::write(m_line, &kStreamRequest, 1) == 1 && receiveAll());
+}
+
+bool PosixPort::receiveAll() const
+{
+    Chunk chunk;
+    bool isInOrder = true;
+    for (std::size_t received = 0; received < kStreamLength;) {
+        const auto count = receive(m_line, chunk);
+        if (count == 0) {
+            return false;
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            isInOrder = chunk[i] == streamByte(received + i) && isInOrder;
+        }
+        received += count;
+    }
+    return isInOrder;
+}
+
+} // namespace vorrano::bench
