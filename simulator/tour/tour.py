@@ -205,7 +205,8 @@ def main():
     build, folder = sys.argv[1:]
     shutil.rmtree(folder, ignore_errors=True)
     os.makedirs(folder)
-    display, album = Display(), Album(folder)
+    # Wide enough for the setup window and the simulated Vorrano beside each other.
+    display, album = Display(1440, 810), Album(folder)
     try:
         walk(Tour(build, folder, display, album), ["sign_in"])
         walk(Tour(build, folder, display, album),
