@@ -50,8 +50,8 @@ struct Interfaces {
 // The interfaces of this process. A program's main, or a test's fixture, makes it before any object of the logic; it
 // outlives all of them.
 //
-// Threads: made on the main thread, which it remembers. current() on the main thread only, when an object is made,
-// which then keeps what it needs; never in a destructor.
+// Threads: made on the main thread, which it remembers. current() on the main thread only, and never in a destructor;
+// an object that needs an interface on another thread, or at its end, keeps it from the time when it is made.
 class Platform : public Interfaces {
 public:
     explicit Platform(const Interfaces& interfaces);

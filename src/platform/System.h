@@ -24,8 +24,8 @@ struct SystemInterfaces {
 // Those of this process. A program with windows has them from its Platform; another one makes this object before any
 // object of the logic, which it outlives.
 //
-// Threads: made on the main thread, which it remembers. current() on the main thread only, when an object is made,
-// which then keeps what it needs; never in a destructor.
+// Threads: made on the main thread, which it remembers. current() on the main thread only, and never in a destructor;
+// an object that needs an interface on another thread, or at its end, keeps it from the time when it is made.
 class System : public SystemInterfaces {
 public:
     explicit System(const SystemInterfaces& interfaces);
