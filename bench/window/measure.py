@@ -91,7 +91,7 @@ def LongReply(world):
 
 @situation(started=False)
 def Upload(world):
-    lines = 500
+    lines = 250
     image = image_of(lines)
     stamps = WriteStamps(world)
     world.start(stamps.environment)
