@@ -41,16 +41,6 @@ void AsioPort::close()
     m_port.close(ignored);
 }
 
-void AsioPort::exchange(char request, int times, std::function<void(bool)> done)
-{
-    bool all = true;
-    for (int i = 0; i < times && all; ++i) {
-        all = exchangeOnce(request);
-        replied();
-    }
-    done(all);
-}
-
 bool AsioPort::exchangeOnce(char request)
 {
     std::error_code error;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Port.h"
+#include "BlockingPort.h"
 
 #include <asio/io_context.hpp>
 #include <asio/serial_port.hpp>
@@ -10,16 +10,15 @@
 namespace vorrano::bench {
 
 // Asio's serial port, read asynchronously with a time-out, on the thread that asks.
-class AsioPort final : public Port {
+class AsioPort final : public BlockingPort<Port> {
 public:
     explicit AsioPort(std::string node);
 
     bool open() override;
     void close() override;
-    void exchange(char request, int times, std::function<void(bool)> done) override;
 
 private:
-    [[nodiscard]] bool exchangeOnce(char request);
+    [[nodiscard]] bool exchangeOnce(char request) override;
 
     const std::string m_node;
     asio::io_context m_context;

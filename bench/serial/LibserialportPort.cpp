@@ -32,16 +32,11 @@ bool LibserialportPort::open()
 
 void LibserialportPort::close() { sp_close(m_port); }
 
-void LibserialportPort::exchange(char request, int times, std::function<void(bool)> done)
+bool LibserialportPort::exchangeOnce(char request)
 {
-    bool all = true;
-    for (int i = 0; i < times && all; ++i) {
-        std::array<char, kReplyLength> reply{};
-        all = sp_blocking_write(m_port, &request, 1, kTimeout) == 1 &&
-              sp_blocking_read(m_port, reply.data(), reply.size(), kTimeout) == kReplyLength;
-        replied();
-    }
-    done(all);
+    std::array<char, kReplyLength> reply{};
+    return sp_blocking_write(m_port, &request, 1, kTimeout) == 1 &&
+           sp_blocking_read(m_port, reply.data(), reply.size(), kTimeout) == kReplyLength;
 }
 
 } // namespace vorrano::bench

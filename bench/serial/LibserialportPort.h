@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Port.h"
+#include "BlockingPort.h"
 
 #include <string>
 
@@ -9,16 +9,17 @@ struct sp_port;
 namespace vorrano::bench {
 
 // libserialport's blocking calls, with their time-outs. It looks each port up in /sys/class/tty.
-class LibserialportPort final : public Port {
+class LibserialportPort final : public BlockingPort<Port> {
 public:
     explicit LibserialportPort(const std::string& node);
     ~LibserialportPort() override;
 
     bool open() override;
     void close() override;
-    void exchange(char request, int times, std::function<void(bool)> done) override;
 
 private:
+    [[nodiscard]] bool exchangeOnce(char request) override;
+
     sp_port* m_port = nullptr;
 };
 

@@ -55,17 +55,7 @@ void PosixPort::close()
     }
 }
 
-void PosixPort::exchange(char request, int times, std::function<void(bool)> done)
-{
-    bool all = true;
-    for (int i = 0; i < times && all; ++i) {
-        all = exchangeOnce(request);
-        replied();
-    }
-    done(all);
-}
-
-bool PosixPort::exchangeOnce(char request) const
+bool PosixPort::exchangeOnce(char request)
 {
     if (::write(m_line, &request, 1) != 1) {
         return false;

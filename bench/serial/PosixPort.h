@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BlockingPort.h"
 #include "StreamPort.h"
 
 #include <string>
@@ -7,18 +8,17 @@
 namespace vorrano::bench {
 
 // The floor: one loop of write, poll and read.
-class PosixPort final : public StreamPort {
+class PosixPort final : public BlockingPort<StreamPort> {
 public:
     explicit PosixPort(std::string node);
     ~PosixPort() override;
 
     bool open() override;
     void close() override;
-    void exchange(char request, int times, std::function<void(bool)> done) override;
     void receiveStream(std::function<void(bool)> done) override;
 
 private:
-    [[nodiscard]] bool exchangeOnce(char request) const;
+    [[nodiscard]] bool exchangeOnce(char request) override;
     [[nodiscard]] bool receiveAll() const;
 
     const std::string m_node;

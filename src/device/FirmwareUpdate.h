@@ -44,10 +44,11 @@ enum class BootloaderSequence { None, One, Two, Three };
 // The update of the device's firmware: an optional check of the versions, the reset into the bootloader, and the upload
 // of an image that the person has downloaded. The bootloader is answered through the tab's data callback.
 //
-// The step is never cleared: after an update that failed, the tab goes on taking every chunk for an answer to that
-// step. It is the controller's: choosing the tab again makes a new controller, which begins without a step. Controls:
-// those of UploadProgress. Threads: the main thread, which the check and the upload hold with their pauses. Lifetime:
-// its tab's, which is the line.
+// The step is never cleared: after an update that failed, the tab goes on taking every chunk for an answer to it.
+// It is the controller's: choosing the tab again makes a new controller, which begins without a step.
+// Controls: those of UploadProgress.
+// Threads: the main thread, which the check and the upload hold with their pauses.
+// Lifetime: its tab's, which is the line.
 class FirmwareUpdate {
 public:
     FirmwareUpdate(FirmwareLine& line, platform::View& view, platform::BusyDisplay& busyDisplay);

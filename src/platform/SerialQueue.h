@@ -11,10 +11,10 @@ namespace vorrano::platform {
 //
 // Threads: every method on any thread. What one task wrote, the next one sees. A task must not wait for the main
 // thread, for a task of another serial queue (no sync() there), or for a task of the background queue. An exception
-// that leaves a task is written to the system log; the queue goes on. Lifetime: tasks that were submitted still run
-// when the queue object is dropped, and timers that were started still fire. After the end of the background queue (its
-// stop()) no task begins: tasks are dropped, possibly inside the call that submits them. tests/contract holds every
-// maker of serial queues to this.
+// that leaves a task is written to the system log; the queue goes on.
+// Lifetime: tasks that were submitted still run when the queue object is dropped, and timers that were started still
+// fire. After the end of the background queue (its stop()) no task begins: tasks are dropped, possibly inside the call
+// that submits them. tests/contract holds every maker of serial queues to this.
 class SerialQueue {
 public:
     SerialQueue() = default;

@@ -1,15 +1,14 @@
 #include "contract/Terminals.h"
 
-#include <chrono>
 #include <stdexcept>
-#include <thread>
+
+#include <poll.h>
 
 namespace vorrano::contract {
 
 namespace {
 
-constexpr std::chrono::seconds kPatience{10};
-constexpr std::chrono::milliseconds kLook{1};
+constexpr int kPatience = 10'000; // milliseconds
 
 } // namespace
 
@@ -25,9 +24,8 @@ void RealLine::reply(const std::string& bytes) const
 std::string RealLine::written(std::size_t expected) const
 {
     std::string bytes = m_pty.receive();
-    const auto end = std::chrono::steady_clock::now() + kPatience;
-    while (bytes.size() < expected && std::chrono::steady_clock::now() < end) {
-        std::this_thread::sleep_for(kLook);
+    pollfd line{m_pty.master(), POLLIN, 0};
+    while (bytes.size() < expected && ::poll(&line, 1, kPatience) > 0) {
         bytes += m_pty.receive();
     }
     return bytes;

@@ -17,6 +17,7 @@ MANUALS = {"SerialPort", "SerialPortManager"}
 NOISE = re.compile(r"""//[^\n]*|/\*.*?\*/|^[ \t]*\#[^\n]*|"(?:[^"\\\n]|\\.)*"|'(?:[^'\\\n]|\\.)+'""", re.S | re.M)
 OPENING = re.compile(r"\b(class|struct)\s+(?:\[\[\w+\]\]\s*)?(?:VORRANO_\w+(?:\([^)]*\))?\s+)?([\w:]+)[^;(){}=]*\{")
 NO_MEMBER = re.compile(r"\s*(using|friend|typedef|enum|class|struct|union|static_assert|template\s*<[^;{]*>\s*friend)\b")
+TEMPLATE = re.compile(r"\btemplate\s*<[^<>]*(?:<[^<>]*>[^<>]*)*>")
 MACRO = re.compile(r"\b(?:VORRANO_\w+|Q_\w+)(?:\([^()]*\))?")
 
 
@@ -72,6 +73,7 @@ def counts(body):
 
 def classes(text):
     text = NOISE.sub(lambda found: '""' if found.group()[0] in "\"'" else "", text)
+    text = TEMPLATE.sub("", text)
     for found in OPENING.finditer(text):
         if re.search(r"\benum\s*$", text[: found.start()]):
             continue
@@ -121,6 +123,7 @@ def self_test():
     functions = "".join("void f%d();" % i for i in range(31))
     assert too_large("class Full { %s void f(); };" % members) == ["Full: 1 functions, 13 members"]
     assert not too_large("struct Record { %s };" % members)
+    assert list(classes("template <class T>\nclass Of { T m_t; };")) == [("Of", 0, 1)]
     assert too_large("struct Busy { %s };" % functions) == ["Busy: 31 functions, 0 members"]
     assert not too_large("class SerialPort { %s };" % functions)
     assert not too_large("class Full { %s void f(); };" % members[: -len("int m_12 = 0;")])

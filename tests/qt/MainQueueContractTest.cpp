@@ -4,8 +4,7 @@
 #include "support/FakeSystem.h"
 #include "support/World.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
+#include <QtTest/QTest>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,6 +24,8 @@ using namespace std::chrono_literals;
 using std::chrono::nanoseconds;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
+constexpr int kPatience = 10'000; // milliseconds
 
 // Queues whose other threads are real ones.
 template <class Queue>
@@ -50,15 +51,7 @@ private:
 class QtQueue : public WithThreads<qt::QtMainQueue> {
 public:
     // Runs what is submitted until the condition holds; whether it does in time.
-    static bool runUntil(const std::function<bool()>& condition)
-    {
-        const QDeadlineTimer end(10s);
-        while (!condition() && !end.hasExpired()) {
-            QCoreApplication::processEvents(QEventLoop::AllEvents);
-            std::this_thread::sleep_for(1ms);
-        }
-        return condition();
-    }
+    static bool runUntil(const std::function<bool()>& condition) { return QTest::qWaitFor(condition, kPatience); }
     void end() { queue.endAndDrain(); }
 };
 
