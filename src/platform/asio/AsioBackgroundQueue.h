@@ -2,7 +2,8 @@
 
 #include "platform/BackgroundQueue.h"
 #include "platform/asio/AsioPool.h"
-#include "platform/asio/TimerThread.h"
+
+#include <asio/thread_pool.hpp>
 
 #include <chrono>
 #include <memory>
@@ -36,7 +37,9 @@ public:
 
 private:
     const std::shared_ptr<AsioPool> m_pool;
-    TimerThread m_timers;
+    // Its one thread only hands expired timers over to their queues, so no handler delays another timer. It is apart from
+    // the pool, as Asio wakes a second thread of a pool at each expiry.
+    const std::shared_ptr<asio::thread_pool> m_timers;
 };
 
 } // namespace vorrano::asio_platform

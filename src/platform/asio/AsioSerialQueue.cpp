@@ -36,7 +36,7 @@ struct AwaitedStep {
 
 } // namespace
 
-AsioSerialQueue::AsioSerialQueue(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::io_context> timers,
+AsioSerialQueue::AsioSerialQueue(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::thread_pool> timers,
                                  std::string label)
     : m_pool(std::move(pool))
     , m_timers(std::move(timers))

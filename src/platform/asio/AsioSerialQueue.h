@@ -3,8 +3,8 @@
 #include "platform/SerialQueue.h"
 #include "platform/asio/PoolExecutor.h"
 
-#include <asio/io_context.hpp>
 #include <asio/strand.hpp>
+#include <asio/thread_pool.hpp>
 
 #include <memory>
 #include <string>
@@ -18,7 +18,7 @@ using Strand = asio::strand<PoolExecutor>;
 // Threads, lifetime: as SerialQueue says; it may outlive the background queue.
 class AsioSerialQueue final : public platform::SerialQueue {
 public:
-    AsioSerialQueue(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::io_context> timers, std::string label);
+    AsioSerialQueue(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::thread_pool> timers, std::string label);
 
     void async(platform::Task task) override;
     void dispatch(platform::Task task) override;
@@ -28,7 +28,7 @@ public:
 
 private:
     const std::shared_ptr<AsioPool> m_pool;
-    const std::shared_ptr<asio::io_context> m_timers;
+    const std::shared_ptr<asio::thread_pool> m_timers;
     const std::string m_label; // for debuggers
     const Strand m_strand;
 };

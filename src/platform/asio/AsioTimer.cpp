@@ -33,7 +33,7 @@ Clock::time_point expiryOf(const platform::TimerSchedule& schedule)
 
 } // namespace
 
-AsioTimer::AsioTimer(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::io_context> timers, Strand strand,
+AsioTimer::AsioTimer(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::thread_pool> timers, Strand strand,
                      platform::TimerSchedule schedule, platform::Task handler)
     : m_pool(std::move(pool))
     , m_timers(std::move(timers))

@@ -5,6 +5,7 @@
 #include "platform/asio/AsioSerialQueue.h"
 
 #include <asio/steady_timer.hpp>
+#include <asio/thread_pool.hpp>
 
 #include <memory>
 
@@ -18,7 +19,7 @@ namespace vorrano::asio_platform {
 // Threads, lifetime: as Timer says.
 class AsioTimer final : public platform::Timer, public std::enable_shared_from_this<AsioTimer> {
 public:
-    AsioTimer(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::io_context> timers, Strand strand,
+    AsioTimer(std::shared_ptr<AsioPool> pool, std::shared_ptr<asio::thread_pool> timers, Strand strand,
               platform::TimerSchedule schedule, platform::Task handler);
     AsioTimer(const AsioTimer&) = delete;
     AsioTimer& operator=(const AsioTimer&) = delete;
@@ -33,7 +34,7 @@ private:
     [[nodiscard]] platform::Task takeHandler();
 
     const std::shared_ptr<AsioPool> m_pool;
-    const std::shared_ptr<asio::io_context> m_timers;
+    const std::shared_ptr<asio::thread_pool> m_timers;
     const Strand m_strand;
     const platform::TimerSchedule m_schedule;
 
