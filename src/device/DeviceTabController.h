@@ -132,6 +132,7 @@ private:
     NoticeLine m_connectionNotice;
     platform::BusyDisplay m_busyDisplay;
     std::shared_ptr<serial::SerialPortManager> m_portManager;
+    // As of the last look at the list. It keeps a removed port alive, with its requests, until the next one.
     std::vector<std::shared_ptr<serial::SerialPort>> m_availablePorts;
     std::shared_ptr<serial::SerialPort> m_serialPort;
     std::shared_ptr<RefusedPort> m_refusedPort;

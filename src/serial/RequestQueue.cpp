@@ -135,8 +135,8 @@ void RequestQueue::sendNextRequest()
 void RequestQueue::pendingRequestDidTimeout()
 {
     setPendingRequestTimeoutTimer(nullptr);
-    // The request stays pending until the delegate has been told. A response that comes before that is delivered too
-    // and starts the next request; delegateWasToldOfTimeout() then clears that one.
+    // The request stays pending until delegateWasToldOfTimeout(). A response that comes before that is delivered too and
+    // starts the next request, which delegateWasToldOfTimeout() then clears.
     if (!m_events.didTimeout(m_pendingRequest, [queue = weak_from_this()] {
             if (const auto self = queue.lock()) {
                 self->m_serialQueue->async(self->onQueue(&RequestQueue::delegateWasToldOfTimeout));
