@@ -46,8 +46,8 @@ void RequestQueue::receiveData(Bytes chunk)
 // Takes the first chunk, which another reader may have brought. There is one such step for each chunk.
 void RequestQueue::takeChunk()
 {
-    // Never writes on the reader's thread: when a request is due, its step waits in the queue, and a chunk's step runs
-    // in place only when nothing waits.
+    // Writes when a request is due, but never on the reader's thread: the request's own step waits in the queue then,
+    // and a chunk's step runs in place only when nothing waits.
     sendNextRequestIfDue();
     {
         const platform::MutexLock lock(m_chunksMutex);
@@ -135,8 +135,8 @@ void RequestQueue::sendNextRequest()
 void RequestQueue::pendingRequestDidTimeout()
 {
     setPendingRequestTimeoutTimer(nullptr);
-    // The request stays pending until delegateWasToldOfTimeout(). A response that comes before that is delivered too and
-    // starts the next request, which delegateWasToldOfTimeout() then clears.
+    // The request stays pending until delegateWasToldOfTimeout(). A response that comes before that is delivered too
+    // and starts the next request, which delegateWasToldOfTimeout() then clears.
     if (!m_events.didTimeout(m_pendingRequest, [queue = weak_from_this()] {
             if (const auto self = queue.lock()) {
                 self->m_serialQueue->async(self->onQueue(&RequestQueue::delegateWasToldOfTimeout));

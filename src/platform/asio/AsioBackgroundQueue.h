@@ -37,8 +37,8 @@ public:
 
 private:
     const std::shared_ptr<AsioPool> m_pool;
-    // Its one thread only hands expired timers over to their queues, so no handler delays another timer. It is apart from
-    // the pool, as Asio wakes a second thread of a pool at each expiry.
+    // Its one thread only hands expired timers over to their queues, so no handler delays another timer. It is apart
+    // from the pool, as Asio wakes a second thread of a pool at each expiry.
     const std::shared_ptr<asio::thread_pool> m_timers;
 };
 
