@@ -22,9 +22,8 @@ using session::GlobalVariables;
 
 std::shared_ptr<AccountInfoViewController> AccountInfoViewController::create()
 {
-    const std::shared_ptr<AccountInfoViewController> controller(
-        new AccountInfoViewController(),
-        platform::MainThreadDeleter<AccountInfoViewController>(Platform::current().mainQueue));
+    const auto controller =
+        platform::destroyedOnMainThread(new AccountInfoViewController, Platform::current().mainQueue);
     controller->connectActions();
     return controller;
 }

@@ -36,9 +36,8 @@ bool s_networksScanned = false;
 std::shared_ptr<LoginViewController> LoginViewController::create(std::shared_ptr<platform::View> view,
                                                                  LoginWindows windows)
 {
-    const std::shared_ptr<LoginViewController> controller(
-        new LoginViewController(std::move(view), std::move(windows)),
-        platform::MainThreadDeleter<LoginViewController>(Platform::current().mainQueue));
+    const auto controller = platform::destroyedOnMainThread(
+        new LoginViewController(std::move(view), std::move(windows)), Platform::current().mainQueue);
     controller->connectActions();
     return controller;
 }

@@ -25,9 +25,8 @@ using session::GlobalVariables;
 
 std::shared_ptr<RegisterVorranoViewController> RegisterVorranoViewController::create()
 {
-    const std::shared_ptr<RegisterVorranoViewController> controller(
-        new RegisterVorranoViewController(),
-        platform::MainThreadDeleter<RegisterVorranoViewController>(Platform::current().mainQueue));
+    const auto controller =
+        platform::destroyedOnMainThread(new RegisterVorranoViewController, Platform::current().mainQueue);
     controller->connect("saveButton", &RegisterVorranoViewController::saveButton);
     return controller;
 }

@@ -19,9 +19,7 @@ using platform::Platform;
 
 std::shared_ptr<UtilitiesViewController> UtilitiesViewController::create()
 {
-    const std::shared_ptr<UtilitiesViewController> controller(
-        new UtilitiesViewController,
-        platform::MainThreadDeleter<UtilitiesViewController>(Platform::current().mainQueue));
+    const auto controller = platform::destroyedOnMainThread(new UtilitiesViewController, Platform::current().mainQueue);
     controller->connectActions();
     return controller;
 }

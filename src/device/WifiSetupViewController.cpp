@@ -15,9 +15,7 @@ using platform::Platform;
 
 std::shared_ptr<WifiSetupViewController> WifiSetupViewController::create()
 {
-    const std::shared_ptr<WifiSetupViewController> controller(
-        new WifiSetupViewController,
-        platform::MainThreadDeleter<WifiSetupViewController>(Platform::current().mainQueue));
+    const auto controller = platform::destroyedOnMainThread(new WifiSetupViewController, Platform::current().mainQueue);
     controller->connectActions();
     return controller;
 }

@@ -9,7 +9,7 @@ namespace vorrano::platform {
 // The deleter of objects that may be destroyed on the main thread only, but whose last reference may fall elsewhere (a
 // controller that a call under way holds).
 //
-//     return std::shared_ptr<Controller>(new Controller(...), MainThreadDeleter<Controller>(mainQueue));
+//     const auto controller = destroyedOnMainThread(new Controller(...), mainQueue);
 //
 // On the main thread it destroys at once; on any other it hands the object over to the main queue. What the queue does
 // not take any more is destroyed with the Platform, on the main thread too: nothing leaks.
@@ -33,6 +33,12 @@ public:
 private:
     MainQueue* m_queue;
 };
+
+template <class T>
+[[nodiscard]] std::shared_ptr<T> destroyedOnMainThread(T* object, MainQueue& queue)
+{
+    return {object, MainThreadDeleter<T>(queue)};
+}
 
 // Main thread: destroys what has been handed over and not been destroyed yet. The Platform does it at its end.
 void destroyHandedOver();

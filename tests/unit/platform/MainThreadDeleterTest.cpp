@@ -29,7 +29,7 @@ protected:
 
     std::shared_ptr<Screen> make(const std::string& name)
     {
-        return {new Screen{world->mainQueue, destroyed, name}, MainThreadDeleter<Screen>(world->mainQueue)};
+        return platform::destroyedOnMainThread(new Screen{world->mainQueue, destroyed, name}, world->mainQueue);
     }
 };
 
@@ -83,7 +83,7 @@ TEST_F(MainThreadDeleterTest, LetsAnObjectHandOverAnotherWhileItGoes)
     struct Outer {
         std::shared_ptr<Screen> inner;
     };
-    std::shared_ptr<Outer> outer(new Outer{make("inner")}, MainThreadDeleter<Outer>(world->mainQueue));
+    auto outer = platform::destroyedOnMainThread(new Outer{make("inner")}, world->mainQueue);
     world->backgroundQueue.async([given = std::exchange(outer, nullptr)]() mutable { given.reset(); });
 
     world->run();

@@ -117,8 +117,7 @@ TEST_F(WorldsEnd, DestroysOnTheMainThreadWhatABackgroundTaskHeldLast)
         ~Screen() { destroyedOnMain = world.mainQueue.isMainThread(); }
     };
     bool destroyedOnMain = false;
-    std::shared_ptr<Screen> screen(new Screen{*world, destroyedOnMain},
-                                   platform::MainThreadDeleter<Screen>(world->mainQueue));
+    auto screen = platform::destroyedOnMainThread(new Screen{*world, destroyedOnMain}, world->mainQueue);
     world->backgroundQueue.async(
         [this, kept = std::exchange(screen, nullptr)] { static_cast<void>(world->urlFetch.contentsOfUrl("")); });
     world->run();

@@ -38,7 +38,7 @@ struct Holder {
 
 std::shared_ptr<Holder> makeHolder(support::World& world, std::optional<std::thread::id>& destroyedOn)
 {
-    return {new Holder{destroyedOn}, platform::MainThreadDeleter<Holder>(world.mainQueue)};
+    return platform::destroyedOnMainThread(new Holder{destroyedOn}, world.mainQueue);
 }
 
 } // namespace
