@@ -11,8 +11,9 @@ import traceback
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.dont_write_bytecode = True
-sys.path[:0] = [os.path.join(HERE, "..", "e2e")]
+sys.path[:0] = [HERE, os.path.join(HERE, "..", "e2e")]
 
+import system_bus                                                     # noqa: E402
 from harness.bus import Bus                                           # noqa: E402
 from harness.display import Display                                   # noqa: E402
 from harness.program import Program                                   # noqa: E402
@@ -55,9 +56,7 @@ def start_access_point(folder):
 
 def start_network_manager():
     write("/etc/NetworkManager/conf.d/guest.conf", NETWORK_MANAGER)
-    os.makedirs("/run/dbus", exist_ok=True)
-    subprocess.run(["dbus-daemon", "--system", "--fork", "--nopidfile",
-                    "--address=unix:path=/run/dbus/system_bus_socket"], check=True)
+    system_bus.start()
     subprocess.run(["wpa_supplicant", "-B", "-u", "-s"], check=True, stdout=subprocess.DEVNULL)
     subprocess.run(["NetworkManager"], check=True)
 
