@@ -3,6 +3,10 @@
 #include "platform/qt/TabWidget.h"
 
 #include <QAccessible>
+#include <QIcon>
+#include <QLineEdit>
+#include <QPaintEvent>
+#include <QPixmap>
 #include <QWheelEvent>
 #include <QtTest/QTest>
 
@@ -15,6 +19,47 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+
+constexpr int kUtilities = 3;
+
+// What one round of the layout posts, the next one handles.
+void settle()
+{
+    for (int round = 0; round < 20; ++round) {
+        QCoreApplication::processEvents();
+    }
+}
+
+// Counts how often all of a widget is painted anew.
+class Paintings final : public QObject {
+public:
+    explicit Paintings(QWidget& painted)
+        : m_painted(painted)
+    {
+        settle();
+        painted.installEventFilter(this);
+    }
+
+    // Those that the events of now bring.
+    int count()
+    {
+        settle();
+        return m_count;
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint &&
+            QRegion(m_painted.rect()).subtracted(static_cast<QPaintEvent*>(event)->region()).isEmpty()) {
+            ++m_count;
+        }
+        return QObject::eventFilter(watched, event);
+    }
+
+private:
+    QWidget& m_painted;
+    int m_count = 0;
+};
 
 class TabView : public support::QtProgram {
 protected:
@@ -174,6 +219,57 @@ TEST_F(TabView, HandlerMayReplaceTheContentOfTheTabThatWasChosen)
     pressTabOverTheBus(2);
 
     EXPECT_EQ(chosen.size(), 3U);
+}
+
+TEST_F(TabView, PaintsThePageOnceForAChoice)
+{
+    tabs.onSelect([this] { tabs.setView(tabs.selectedIndex(), layouts.loadView("UtilitiesViewController")); });
+    click(kUtilities);
+    click(0);
+    Paintings paintings(*widgetOfTabs.widget(kUtilities));
+
+    click(kUtilities);
+
+    EXPECT_EQ(paintings.count(), 1);
+}
+
+TEST_F(TabView, PaintsNoPageAnewForALayoutWithinIt)
+{
+    const auto view = layouts.loadView("UtilitiesViewController");
+    tabs.setView(0, view);
+    auto& spinner = view->progressIndicator("loginProgressIndicator");
+    spinner.setHidden(false);
+    Paintings paintings(*widgetOfTabs.widget(0));
+
+    spinner.setHidden(true);
+
+    EXPECT_EQ(paintings.count(), 0);
+}
+
+TEST_F(TabView, GivesTheRowTheRoomThatItNeeds)
+{
+    QPixmap tall(16, 64);
+    tall.fill();
+    bar.setIconSize(tall.size());
+    spinUntil([&] { return bar.height() == bar.sizeHint().height(); });
+    const int before = bar.height();
+
+    bar.setTabIcon(0, QIcon(tall));
+
+    EXPECT_TRUE(spinUntil([&] { return bar.height() > before && bar.height() == bar.sizeHint().height(); }));
+    EXPECT_GE(widgetOfTabs.currentWidget()->mapTo(&widgetOfTabs, QPoint()).y(), bar.geometry().bottom());
+}
+
+TEST_F(TabView, LetsTheWindowGrowWithAPage)
+{
+    const auto view = layouts.loadView("RegisterVorranoViewController");
+    tabs.setView(0, view);
+    settle();
+    const int before = frame(*window).minimumHeight();
+
+    widget<QLineEdit>(*view, "vorranoName").setMinimumHeight(100);
+
+    EXPECT_TRUE(spinUntil([&] { return frame(*window).minimumHeight() > before; }));
 }
 
 TEST_F(TabView, ViewThatIsStillHeldOutlivesTheWindow)

@@ -96,4 +96,19 @@ TabWidget::TabWidget(QWidget* parent)
     setTabBar(m_bar);
 }
 
+bool TabWidget::event(QEvent* event)
+{
+    if (event->type() != QEvent::LayoutRequest || !isVisible()) {
+        return QTabWidget::event(event);
+    }
+    if (const QSize needed = m_bar->sizeHint(); needed != m_roomOfBar) {
+        m_roomOfBar = needed;
+        return QTabWidget::event(event);
+    }
+    // The row stays as it is, so only the window may have to give more room. Qt would paint the row and the whole page
+    // anew for each round of the page's layout.
+    updateGeometry();
+    return QWidget::event(event);
+}
+
 } // namespace vorrano::qt

@@ -45,8 +45,13 @@ public:
 
     [[nodiscard]] TabBar& bar() const { return *m_bar; }
 
+protected:
+    bool event(QEvent* event) override;
+
 private:
     TabBar* m_bar;
+    // What the row needed when Qt last laid it out for an event.
+    QSize m_roomOfBar;
 };
 
 } // namespace vorrano::qt
