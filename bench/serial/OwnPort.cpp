@@ -76,18 +76,14 @@ public:
 
     void serialPortDidReceiveData(serial::SerialPort& /*port*/, const serial::Bytes& data) override
     {
-        for (const char byte : data) {
-            m_isInOrder = byte == streamByte(m_received) && m_isInOrder;
-            ++m_received;
-        }
-        if (m_received >= kStreamLength) {
-            m_done(m_isInOrder && m_received == kStreamLength);
+        m_check.take(data);
+        if (m_check.isAtItsEnd()) {
+            m_done(m_check.wentWell());
         }
     }
 
 private:
-    std::size_t m_received = 0;
-    bool m_isInOrder = true;
+    StreamCheck m_check;
     const std::function<void(bool)> m_done;
 };
 

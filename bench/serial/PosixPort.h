@@ -3,12 +3,14 @@
 #include "BlockingPort.h"
 #include "StreamPort.h"
 
+#include <functional>
+#include <span>
 #include <string>
 
 namespace vorrano::bench {
 
 // The floor: one loop of write, poll and read.
-class PosixPort final : public BlockingPort<StreamPort> {
+class PosixPort : public BlockingPort<StreamPort> {
 public:
     explicit PosixPort(std::string node);
     ~PosixPort() override;
@@ -17,9 +19,12 @@ public:
     void close() override;
     void receiveStream(std::function<void(bool)> done) override;
 
+protected:
+    // Asks for the stream, and hands on each chunk of it as it is read; whether all of it came.
+    [[nodiscard]] bool readStream(const std::function<void(std::span<const char> chunk)>& take) const;
+
 private:
     [[nodiscard]] bool exchangeOnce(char request) override;
-    [[nodiscard]] bool receiveAll() const;
 
     const std::string m_node;
     int m_line = -1;
