@@ -12,12 +12,8 @@ import sys
 sys.dont_write_bytecode = True
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path[:0] = [str(HERE), str(HERE.parent.parent / "simulator" / "tour")]
+from harness.tastes import CONTRAST, DARK, LIGHT, desktop_settings  # noqa: E402
 
-LIGHT = {}
-DARK = {"Window": "42,46,50", "View": "27,30,32", "Button": "49,54,59", "Selection": "61,174,233",
-        "text": "252,252,252"}
-CONTRAST = {"Window": "0,0,0", "View": "0,0,0", "Button": "0,0,0", "Selection": "255,255,0", "text": "255,255,255",
-            "selected": "0,0,0"}
 # What differs from the ordinary: the scale, the colours, the font in points, options of the program.
 TASTES = {"scale-1": {}, "scale-1.5": {"scale": 1.5}, "scale-2": {"scale": 2}, "dark": {"colours": DARK},
           "contrast": {"colours": CONTRAST}, "font-200": {"points": 20}, "right-to-left": {"arguments": ["-reverse"]}}
@@ -40,20 +36,6 @@ def take_all(build, folder, variants):
         os.makedirs(target, exist_ok=True)
         subprocess.run([sys.executable, str(HERE / "run.py"), build, "every_screen.py", "Screens"], check=True,
                        env=dict(os.environ, VORRANO_PICTURE=variant, VORRANO_PICTURES=target))
-
-
-def write_tastes(folder):
-    """A person's colours and font, as the desktop whose settings Qt reads by itself writes them."""
-    colours, points = TASTE.get("colours", LIGHT), TASTE.get("points", 10)
-    lines = ["[KDE]", "widgetStyle=Fusion", "[General]", "font=DejaVu Sans,%d,-1,5,50,0,0,0,0,0" % points]
-    for part in ("Window", "View", "Button", "Selection") if colours else ():
-        text = colours.get("selected", colours["text"]) if part == "Selection" else colours["text"]
-        lines += ["[Colors:%s]" % part, "BackgroundNormal=%s" % colours[part], "ForegroundNormal=%s" % text,
-                  "ForegroundInactive=%s" % text, "ForegroundLink=%s" % text, "ForegroundVisited=%s" % text]
-        lines += ["BackgroundAlternate=%s" % colours[part]]
-    pathlib.Path(folder, "kdeglobals").write_text("\n".join(lines) + "\n", encoding="utf-8")
-    return {"XDG_CURRENT_DESKTOP": "KDE", "KDE_SESSION_VERSION": "5", "QT_SCALE_FACTOR": str(SCALE),
-            "XDG_CONFIG_DIRS": folder}
 
 
 @contextlib.contextmanager
@@ -81,7 +63,8 @@ def compositor(world):
 def Screens(world):
     os.chmod(world.folder, 0o700)
     with compositor(world) as environment:
-        world.start({**environment, **write_tastes(world.folder)}, TASTE.get("arguments", ()))
+        settings = desktop_settings(world.folder, TASTE.get("colours", LIGHT), TASTE.get("points", 10))
+        world.start({**environment, **settings, "QT_SCALE_FACTOR": str(SCALE)}, TASTE.get("arguments", ()))
         try:
             go_through(world)
         except BaseException:
@@ -96,7 +79,7 @@ Screens.options = {"program": "vorrano-setup-loopback", "started": False,
 
 
 def go_through(world):
-    from harness.firmware import PC_CONNECTED, answer, expect_proceed_question
+    from harness.firmware import FINISHED, PC_CONNECTED, answer, begin, expect_proceed_question, image_of
     from harness.screens import NO_VORRANO
     from harness.waiting import wait_for
     from service_test import ADA, FIELDS, wait_for_fields
@@ -127,10 +110,21 @@ def go_through(world):
     program.choose_tab("Wifi Setup")
     program.type("Network name", "My $ Net")
     picture("wifi")
+    entries = program.open_list("Security type")
+    picture("list")
+    program.combo("Security type").act("Press")
+    wait_for("the list to close", lambda: not entries.has("showing"))
     program.press("Save network name")
     program.alert()
     picture("refusal")
     program.dismiss(program.alert())
+    program.choose_tab("Utilities")
+    begin(world, image_of(40))
+    wait_for("half of the image", lambda: world.vorrano.state["imageSize"] > 900)
+    picture("upload")
+    program.expect_alert(*FINISHED)
+    program.choose_tab("Wifi Setup")
+    program.button("Save network name")
     world.pull_the_cable()
     wait_for("the line", lambda: program.shows(NO_VORRANO))
     picture("unplugged")

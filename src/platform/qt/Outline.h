@@ -10,7 +10,9 @@ inline void outlineUnlessFramed(QWidget& window)
 {
     if (window.frameGeometry() == window.geometry()) {
         QPainter painter(&window);
-        painter.setPen(window.palette().color(QPalette::Dark));
+        QColor colour = window.palette().color(QPalette::WindowText);
+        colour.setAlphaF(0.5F);
+        painter.setPen(colour);
         painter.drawRect(window.rect().adjusted(0, 0, -1, -1));
     }
 }

@@ -1,6 +1,7 @@
 #include "platform/qt/QtApplication.h"
 
 #include "platform/Guarded.h"
+#include "platform/qt/ContrastStyle.h"
 
 #include <QEvent>
 #include <QIcon>
@@ -17,6 +18,7 @@ QtApplication::QtApplication(int& argc, char** argv, platform::SystemLog& log)
     , m_log(log)
 {
     loadResources();
+    setStyle(new ContrastStyle);
     setApplicationName(QStringLiteral("vorrano-setup"));
     setApplicationDisplayName(QStringLiteral("Vorrano Setup"));
     setDesktopFileName(QStringLiteral("vorrano-setup"));

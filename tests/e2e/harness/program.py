@@ -107,13 +107,17 @@ class Program:
         """The entries of a pick list."""
         return [node.name for _, node in self.combo(name).tree() if node.role == "list item"]
 
-    def choose(self, name, title):
-        """Chooses an entry as a person at the keyboard does, from the open list."""
+    def open_list(self, name):
         combo = self.combo(name)
-        steps = self.items(name).index(title)
         combo.act("Press")
         entries = [node for _, node in combo.tree() if node.role == "list"][0]
         wait_for("the list of %r" % name, lambda: entries.has("showing"))
+        return entries
+
+    def choose(self, name, title):
+        """Chooses an entry as a person at the keyboard does, from the open list."""
+        steps = self.items(name).index(title)
+        entries = self.open_list(name)
         self._display.keys("Home", *["Down"] * steps, "Return")
         wait_for("the list of %r to close" % name, lambda: not entries.has("showing"))
 
