@@ -229,16 +229,35 @@ TEST_F(Controls, ProgressOfAnUploadStaysLegibleInsideADimmedBox)
     auto& root = dynamic_cast<QtView&>(*screen).root();
     root.resize(root.sizeHint());
     root.show();
-    for (const auto* const name : {"uploadProgressBar", "uploadProgressLabel"}) {
+    const auto picture = [&](const char* name) {
         const auto& control = widget<QWidget>(*screen, name);
-        const QRect place(control.mapTo(&root, QPoint()), control.size());
-        screen->setAlpha(1.0);
-        const QImage before = root.grab(place).toImage();
+        // Without the rounded corners, through which the dimmed box is seen.
+        return root.grab(QRect(control.mapTo(&root, QPoint()), control.size()).adjusted(2, 2, -2, -2)).toImage();
+    };
+    const QImage bar = picture("uploadProgressBar");
+    const int text = darkest(picture("uploadProgressLabel"));
 
-        screen->setAlpha(0.3);
+    screen->setAlpha(0.3);
 
-        EXPECT_EQ(root.grab(place).toImage(), before) << name;
-    }
+    EXPECT_EQ(picture("uploadProgressBar"), bar);
+    EXPECT_EQ(darkest(picture("uploadProgressLabel")), text);
+}
+
+TEST_F(Controls, ALineThatIsNotDimmedStandsOnTheDimmedBackground)
+{
+    const auto setup = shown(support::kSetup);
+    const auto screen = layouts.loadView("UtilitiesViewController");
+    setup->view()->tabView("setupTabView").setView(0, screen);
+    auto& label = widget<QLabel>(*screen, "uploadProgressLabel");
+    label.setText(QStringLiteral("Line 1"));
+    runQueue();
+
+    screen->setAlpha(0.3);
+
+    const QRect place(label.mapTo(&frame(*setup), QPoint()), label.size());
+    const QImage picture = frame(*setup).grab().toImage();
+    EXPECT_EQ(picture.pixel(place.right() - 1, place.center().y()),
+              picture.pixel(place.right() + 2, place.center().y()));
 }
 
 TEST_F(Controls, SpinnerIsHiddenAtFirstAndTurnsInTheMiddleOfItsScreen)

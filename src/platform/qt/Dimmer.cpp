@@ -2,10 +2,25 @@
 
 #include <QEvent>
 #include <QPainter>
+#include <QPixmap>
 
 #include <utility>
 
 namespace vorrano::qt {
+
+namespace {
+
+// Without the background.
+QPixmap pictureOf(QWidget& widget)
+{
+    QPixmap picture(widget.size() * widget.devicePixelRatioF());
+    picture.setDevicePixelRatio(widget.devicePixelRatioF());
+    picture.fill(Qt::transparent);
+    widget.render(&picture, {}, {}, QWidget::DrawChildren);
+    return picture;
+}
+
+} // namespace
 
 Dimmer::Dimmer(QWidget& over, std::vector<QWidget*> leftOut)
     : QWidget(&over)
@@ -39,14 +54,12 @@ void Dimmer::paintEvent(QPaintEvent*)
     QPainter painter(this);
     QColor colour = palette().color(QPalette::Window);
     colour.setAlphaF(static_cast<float>(m_strength));
-    QRegion veiled(rect());
-    for (const auto* const widget : m_leftOut) {
+    painter.fillRect(rect(), colour);
+    for (auto* const widget : m_leftOut) {
         if (widget->isVisible()) {
-            veiled -= QRect(widget->mapTo(parentWidget(), QPoint()), widget->size());
+            painter.drawPixmap(widget->mapTo(parentWidget(), QPoint()), pictureOf(*widget));
         }
     }
-    painter.setClipRegion(veiled);
-    painter.fillRect(rect(), colour);
 }
 
 } // namespace vorrano::qt

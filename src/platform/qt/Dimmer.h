@@ -6,8 +6,9 @@
 
 namespace vorrano::qt {
 
-// A veil in the window's colour over a screen's content, which goes on taking input. It follows its parent's size, and
-// leaves out some widgets of the screen, wherever they are in it.
+// A veil in the window's colour over a screen's content, which goes on taking input. It follows its parent's size. Some
+// widgets of the screen, wherever they are in it, are drawn once more above the veil: in a hole of the veil they would
+// stand on a background of another colour.
 class Dimmer final : public QWidget {
 public:
     Dimmer(QWidget& over, std::vector<QWidget*> leftOut);
