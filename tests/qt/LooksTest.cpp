@@ -12,7 +12,9 @@
 #include <QTabBar>
 
 #include <array>
+#include <map>
 #include <tuple>
+#include <utility>
 
 namespace vorrano::qt {
 namespace {
@@ -159,6 +161,34 @@ TEST_P(Looks, TheWindowKeepsItsSizeWhicheverTabIsChosen)
             EXPECT_EQ(frame(*setup).height(), size.height()) << index;
         }
     }
+}
+
+TEST_P(Looks, NothingMovesWhenAnUploadShowsItsProgress)
+{
+    const auto setup = shown(kSetup);
+    const auto view = layouts.loadView("UtilitiesViewController");
+    view->progressBar("uploadProgressBar").setHidden(true);
+    view->label("uploadProgressLabel").setHidden(true);
+    view->label("connectionNoticeLabel").setHidden(true);
+    setup->view()->tabView("setupTabView").setView(0, view);
+    settle();
+    const auto places = [&setup] {
+        std::map<std::string, std::pair<QPoint, QSize>> found;
+        for (const auto* const widget : frame(*setup).findChildren<QWidget*>()) {
+            if (widget->isVisible() && !widget->objectName().startsWith(QLatin1String("upload"))) {
+                found.insert_or_assign(nameOf(*widget), std::pair(widget->pos(), widget->size()));
+            }
+        }
+        return found;
+    };
+    const auto before = places();
+
+    view->progressBar("uploadProgressBar").setHidden(false);
+    view->label("uploadProgressLabel").setText("Line 12,345 of 23,456, about 1 h 55 min left");
+    view->label("uploadProgressLabel").setHidden(false);
+    settle();
+
+    EXPECT_EQ(places(), before);
 }
 
 TEST_P(Looks, NothingIsCutOffAnAlert)

@@ -79,6 +79,18 @@ void adaptToFont(const QWidget& root)
     }
 }
 
+// So that nothing around them moves when they appear.
+void keepPlaces(const QWidget& root)
+{
+    for (auto* const widget : root.findChildren<QWidget*>()) {
+        if (widget->property("keepsPlace").toBool()) {
+            QSizePolicy policy = widget->sizePolicy();
+            policy.setRetainSizeWhenHidden(true);
+            widget->setSizePolicy(policy);
+        }
+    }
+}
+
 // The window begins as large as the largest of the screens that its pages will show, so that it keeps its size when
 // another one is chosen.
 void makeRoomForPages(QWidget& root)
@@ -135,6 +147,7 @@ std::shared_ptr<QtView> QtLayouts::load(std::string_view name) const
     auto root = std::make_unique<QWidget>();
     layoutNamed(name).setUp(root.get());
     adaptToFont(*root);
+    keepPlaces(*root);
     makeRoomForPages(*root);
     return std::make_shared<QtView>(std::move(root), m_surroundings);
 }
