@@ -132,10 +132,12 @@ def EveryStopOfEveryScreenIsNamedAndComesAsRead(world):
 
 
 def expect_alert_to_be_read(world):
-    """A screen reader reads out the alert's name and description, then what has the focus: its one button."""
+    """A screen reader reads out the alert's name, the labels in it that say something else and label nothing, and its
+    description; then what has the focus: its one button. A text that is a label and a description is heard twice."""
     alert = world.program.alert()
     world.display.give_keyboard(alert.node)
-    assert (alert.node.name, alert.node.description) == ("ERROR", "Please enter Account ID or email")
+    assert (alert.node.name, alert.node.description) == ("ERROR", "")
+    assert (alert.title, alert.text) == ("ERROR", "Please enter Account ID or email")
     button = alert.node.find_all("push button", "OK")[0]
     wait_for("the focus", lambda: button.has("focused"))
     world.program.dismiss(alert)

@@ -43,8 +43,8 @@ public:
         , m_gate(gate)
     {
         setWindowTitle(QApplication::applicationDisplayName());
+        // A screen reader reads the name, and then the other text from its label.
         setAccessibleName(toQString(alert.messageText));
-        setAccessibleDescription(toQString(alert.informativeText));
         setText(toQString(alert.messageText));
         setInformativeText(toQString(alert.informativeText));
         makePlain("qt_msgbox_label", QFont::Bold);
