@@ -13,8 +13,8 @@
 
 #include <array>
 #include <map>
+#include <string_view>
 #include <tuple>
-#include <utility>
 
 namespace vorrano::qt {
 namespace {
@@ -172,11 +172,11 @@ TEST_P(Looks, NothingMovesWhenAnUploadShowsItsProgress)
     view->label("connectionNoticeLabel").setHidden(true);
     setup->view()->tabView("setupTabView").setView(0, view);
     settle();
-    const auto places = [&setup] {
-        std::map<std::string, std::pair<QPoint, QSize>> found;
-        for (const auto* const widget : frame(*setup).findChildren<QWidget*>()) {
+    const auto places = [&view] {
+        std::map<std::string, QRect> found;
+        for (const auto* const widget : dynamic_cast<QtView&>(*view).root().findChildren<QWidget*>()) {
             if (widget->isVisible() && !widget->objectName().startsWith(QLatin1String("upload"))) {
-                found.insert_or_assign(nameOf(*widget), std::pair(widget->pos(), widget->size()));
+                found.insert_or_assign(nameOf(*widget), widget->geometry());
             }
         }
         return found;
@@ -242,6 +242,29 @@ TEST_P(Looks, WhatGetsTheFocusIsScrolledIntoSight)
     settle();
 
     EXPECT_FALSE(button.visibleRegion().isEmpty());
+}
+
+TEST_P(Looks, ALineThatIsReadOutWhenItAppearsIsScrolledIntoSight)
+{
+    for (const auto* const name : {"uploadProgressLabel", "connectionNoticeLabel"}) {
+        ScreenArea area;
+        const auto view = layouts.loadView("UtilitiesViewController");
+        auto& label = widget<QLabel>(*view, name);
+        view->label(name).setHidden(true);
+        area.showContent(dynamic_cast<QtView&>(*view).root());
+        area.resize(400, 120);
+        area.show();
+        settle();
+        // Away from the line: the one about the port is at the top.
+        const bool isLow = std::string_view(name) == "uploadProgressLabel";
+        area.verticalScrollBar()->setValue(isLow ? 0 : area.verticalScrollBar()->maximum());
+
+        view->label(name).setText("Line 1");
+        view->label(name).setHidden(false);
+        settle();
+
+        EXPECT_FALSE(label.visibleRegion().isEmpty()) << name;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Tastes, Looks,

@@ -41,6 +41,11 @@ void ScreenArea::showContent(QWidget& content)
     // The window's background, or the tab's, goes on being seen.
     content.setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
+    for (auto* const inner : content.findChildren<QWidget*>()) {
+        if (inner->property("announced").toBool()) {
+            inner->installEventFilter(this);
+        }
+    }
     content.show();
     updateGeometry();
 }
@@ -72,6 +77,10 @@ bool ScreenArea::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == widget() && event->type() == QEvent::LayoutRequest) {
         updateGeometry();
+    } else if (watched != widget() && event->type() == QEvent::Show) {
+        // It has its place only when the content is laid out anew.
+        widget()->layout()->activate();
+        bringIntoSight(*qobject_cast<QWidget*>(watched));
     }
     return QScrollArea::eventFilter(watched, event);
 }

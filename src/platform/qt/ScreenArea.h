@@ -5,7 +5,8 @@
 namespace vorrano::qt {
 
 // Holds a screen's content, and asks for as much room as the content needs. With less it scrolls, so that nothing is
-// cut off a small display or at a large font.
+// cut off a small display or at a large font. What gets the focus is brought into sight, and so is a label with the
+// property `announced` when it appears.
 //
 // Lifetime: the content belongs to its view, which takes it away before it goes.
 class ScreenArea final : public QScrollArea {
