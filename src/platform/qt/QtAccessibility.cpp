@@ -1,5 +1,6 @@
 #include "platform/qt/QtAccessibility.h"
 
+#include "platform/qt/FieldAccessible.h"
 #include "platform/qt/FocusReports.h"
 #include "platform/qt/PickList.h"
 #include "platform/qt/PickListAccessible.h"
@@ -215,6 +216,9 @@ QAccessibleInterface* makeAccessible(const QString&, QObject* object)
     }
     if (auto* const spinner = dynamic_cast<Spinner*>(object)) {
         return new SpinnerAccessible(*spinner);
+    }
+    if (auto* const field = qobject_cast<QLineEdit*>(object)) {
+        return new FieldAccessible(*field);
     }
     if (auto* const list = dynamic_cast<PickList*>(object)) {
         return new PickListAccessible(*list);
