@@ -1,12 +1,14 @@
 """What a person who hears the screen instead of seeing it comes to know."""
 from harness.bus import Gone, plain
+from harness.firmware import FINISHED, begin, image_of
 from harness.listener import Listener
-from harness.screens import TABS, create_account, open_tab, open_wifi_setup
+from harness.screens import TABS, create_account, open_tab, open_utilities, open_wifi_setup
 from harness.waiting import wait_for
 from harness.world import situation
 
 LOOPBACK = "vorrano-setup-loopback"
 FOCUSED, CARET, SHOWING = "object:state-changed:focused", "object:text-caret-moved", "object:state-changed:showing"
+NAMES, VALUES = "object:property-change:accessible-name", "object:property-change:accessible-value"
 FOCUS = ("StateChanged", "focused", 1)
 STOPS = {"push button", "text", "password text", "combo box", "check box", "page tab"}
 FIELDS = {"text", "password text", "combo box"}
@@ -115,6 +117,23 @@ def ABusyScreenSaysSo(world):
     assert ("StateChanged", "showing", 1) in listener.of(sign)
     world.program.expect_alert("Invalid AccountID/Password", "Please try again")
     wait_for("the sign to go", lambda: not sign.has("showing"))
+
+
+def AnUploadReportsNotEveryLineToTheBus(world):
+    # A screen reader with more than 100 reports to read passes over what is announced.
+    open_utilities(world.program)
+    listener = Listener(world.bus, NAMES, VALUES, SHOWING)
+    begin(world, image_of(150))
+    bar = world.program.find("progress bar", "Firmware upload")
+    line = [node for node in world.program.root.find_all("notification") if node.name.startswith("Line ")][0]
+
+    world.program.expect_alert(*FINISHED)
+
+    said = listener.of(line)
+    shown = said.count(("StateChanged", "showing", 1))
+    assert shown > 1, said
+    assert len([member for member, *_ in said if member == "PropertyChange"]) <= shown + 1, said
+    assert 20 < len(listener.of(bar)) <= 110, listener.of(bar)
 
 
 def EveryStopOfEveryScreenIsNamedAndComesAsRead(world):

@@ -120,9 +120,6 @@ void FieldAccessible::replaceText(int start, int end, const QString& text)
     m_field.setText(m_field.text().replace(start, end - start, text));
 }
 
-QString FieldAccessible::shown() const
-{
-    return m_field.echoMode() == QLineEdit::Normal ? m_field.text() : QString();
-}
+QString FieldAccessible::shown() const { return m_field.echoMode() == QLineEdit::Normal ? m_field.text() : QString(); }
 
 } // namespace vorrano::qt

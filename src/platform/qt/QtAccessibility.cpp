@@ -1,7 +1,7 @@
 #include "platform/qt/QtAccessibility.h"
 
+#include "platform/qt/BusReports.h"
 #include "platform/qt/FieldAccessible.h"
-#include "platform/qt/FocusReports.h"
 #include "platform/qt/PickList.h"
 #include "platform/qt/PickListAccessible.h"
 #include "platform/qt/Spinner.h"
@@ -208,7 +208,7 @@ private:
 
 QAccessibleInterface* makeAccessible(const QString&, QObject* object)
 {
-    if (auto* const label = dynamic_cast<QLabel*>(object); label != nullptr && label->property("announced").toBool()) {
+    if (auto* const label = dynamic_cast<QLabel*>(object); label != nullptr && isAnnounced(*label)) {
         return new NoticeAccessible(*label);
     }
     if (auto* const bar = dynamic_cast<TabBar*>(object)) {
@@ -251,7 +251,7 @@ QString withoutMnemonic(const QString& label)
 void installAccessibility()
 {
     QAccessible::installFactory(makeAccessible);
-    installFocusReports();
+    installBusReports();
 }
 
 } // namespace vorrano::qt

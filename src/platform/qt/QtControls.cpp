@@ -1,6 +1,6 @@
 #include "platform/qt/QtControls.h"
 
-#include <QAccessible>
+#include "platform/qt/BusReports.h"
 
 #include <algorithm>
 #include <climits>
@@ -35,13 +35,10 @@ void QtLabel::setText(const std::string& text)
     widget().setText(QString::fromStdString(text));
 }
 
-// A screen reader reads out what is marked as announced whenever it appears. There is no other event that it does so
-// for.
 void QtLabel::announce()
 {
     if (widget().isVisible()) {
-        QAccessibleEvent event(&widget(), QAccessible::ObjectShow);
-        QAccessible::updateAccessibility(&event);
+        qt::announce(widget());
     }
 }
 

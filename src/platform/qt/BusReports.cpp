@@ -1,10 +1,14 @@
-#include "platform/qt/FocusReports.h"
+#include "platform/qt/BusReports.h"
 
 #include "platform/qt/TabWidget.h"
 
 #include <QAccessible>
+#include <QLabel>
 #include <QPointer>
+#include <QProgressBar>
 #include <QWidget>
+
+#include <utility>
 
 namespace vorrano::qt {
 
@@ -47,11 +51,45 @@ void reportFocus(QAccessibleEvent* event)
     passOn(event);
 }
 
+bool isOfAnnouncedLabel(const QAccessibleEvent& event)
+{
+    const auto* const label = qobject_cast<QLabel*>(event.object());
+    return label != nullptr && isAnnounced(*label);
+}
+
+// A bar that has moved by less than a per cent.
+bool isSmallStep(const QAccessibleEvent& event)
+{
+    static QPointer<QObject> s_bar;
+    static int s_percent = -1;
+    const auto* const bar = qobject_cast<QProgressBar*>(event.object());
+    if (bar == nullptr || event.type() != QAccessible::ValueChanged || bar->maximum() <= 0) {
+        return false;
+    }
+    const int percent = static_cast<int>(100.0 * bar->value() / bar->maximum());
+    return std::exchange(s_bar, event.object()) == event.object() && std::exchange(s_percent, percent) == percent;
+}
+
+void reportText(QObject* label)
+{
+    QAccessibleEvent name(label, QAccessible::NameChanged);
+    passOn(&name);
+}
+
 void report(QAccessibleEvent* event)
 {
     if (event->type() == QAccessible::Focus) {
         reportFocus(event);
         return;
+    }
+    if (isSmallStep(*event)) {
+        return;
+    }
+    if (isOfAnnouncedLabel(*event) && event->type() == QAccessible::NameChanged) {
+        return;
+    }
+    if (isOfAnnouncedLabel(*event) && event->type() == QAccessible::ObjectShow) {
+        reportText(event->object());
     }
     const bool caret =
         event->type() == QAccessible::TextCaretMoved || event->type() == QAccessible::TextSelectionChanged;
@@ -65,7 +103,16 @@ void report(QAccessibleEvent* event)
 
 } // namespace
 
-void installFocusReports()
+bool isAnnounced(const QLabel& label) { return label.property("announced").toBool(); }
+
+// There is no other event that a screen reader reads a label out for.
+void announce(QLabel& label)
+{
+    QAccessibleEvent shown(&label, QAccessible::ObjectShow);
+    QAccessible::updateAccessibility(&shown);
+}
+
+void installBusReports()
 {
     const auto before = QAccessible::installUpdateHandler(report);
     if (before != report) {
