@@ -108,7 +108,7 @@ bool TabWidget::event(QEvent* event)
     // The row stays as it is, so only the window may have to give more room. Qt would paint the row and the whole page
     // anew for each round of the page's layout.
     updateGeometry();
-    return QWidget::event(event);
+    return true;
 }
 
 } // namespace vorrano::qt
