@@ -57,17 +57,17 @@ bool isOfAnnouncedLabel(const QAccessibleEvent& event)
     return label != nullptr && isAnnounced(*label);
 }
 
-// A bar that has moved by less than a per cent.
+// A bar that has not come to another tenth.
 bool isSmallStep(const QAccessibleEvent& event)
 {
     static QPointer<QObject> s_bar;
-    static int s_percent = -1;
+    static int s_tenth = -1;
     const auto* const bar = qobject_cast<QProgressBar*>(event.object());
     if (bar == nullptr || event.type() != QAccessible::ValueChanged || bar->maximum() <= 0) {
         return false;
     }
-    const int percent = static_cast<int>(100.0 * bar->value() / bar->maximum());
-    return std::exchange(s_bar, event.object()) == event.object() && std::exchange(s_percent, percent) == percent;
+    const int tenth = static_cast<int>(10.0 * bar->value() / bar->maximum());
+    return std::exchange(s_bar, event.object()) == event.object() && std::exchange(s_tenth, tenth) == tenth;
 }
 
 void reportText(QObject* label)

@@ -10,7 +10,7 @@ namespace vorrano::qt {
 //   takes the caret for the focus, and then says nothing of a focus that it knows already. So the focus goes first.
 // - Qt reports the row of tabs, which has no name, when it gets the focus. What has the focus is the tab on screen.
 // - A screen reader that has many reports to read passes over what is announced. During an upload a line of text and a
-//   bar change many times a second: the text is reported only when it is announced, the bar with each per cent.
+//   bar change many times a second: the text is reported only when it is announced, the bar with each tenth.
 //
 // Main thread; a second call changes nothing.
 void installBusReports();
