@@ -67,13 +67,13 @@ bool isDefaultButton(const QStyleOption& option)
     return button != nullptr && button->features.testFlag(QStyleOptionButton::DefaultButton);
 }
 
-void drawFrame(const QStyleOption& option, const QRect& place, QPainter& painter)
+void drawFrame(const QStyleOption& option, QStyle::State state, const QRect& place, QPainter& painter)
 {
     if (!leavesAllToFrames(option.palette)) {
         return;
     }
-    const bool focused = option.state.testFlag(QStyle::State_HasFocus);
-    const bool thick = focused || option.state.testFlag(QStyle::State_Selected);
+    const bool focused = state.testFlag(QStyle::State_HasFocus);
+    const bool thick = focused || state.testFlag(QStyle::State_Selected);
     const auto role = focused || isDefaultButton(option) ? QPalette::Highlight : QPalette::WindowText;
     const int thickness = thick ? 2 : 1;
     const qreal inset = thickness / 2.0;
@@ -86,10 +86,9 @@ void drawFrame(const QStyleOption& option, const QRect& place, QPainter& painter
 }
 
 // A frame around others, of which one may have the focus.
-void drawOuterFrame(QStyleOption option, const QRect& place, QPainter& painter)
+void drawOuterFrame(const QStyleOption& option, const QRect& place, QPainter& painter)
 {
-    option.state.setFlag(QStyle::State_HasFocus, false);
-    drawFrame(option, place, painter);
+    drawFrame(option, option.state & ~QStyle::State_HasFocus, place, painter);
 }
 
 } // namespace
@@ -117,7 +116,7 @@ void ContrastStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* 
     case PE_IndicatorCheckBox:
     case PE_PanelButtonCommand:
     case PE_PanelMenu:
-        drawFrame(*option, option->rect, *painter);
+        drawFrame(*option, option->state, option->rect, *painter);
         break;
     case PE_FrameTabWidget:
         drawOuterFrame(*option, option->rect, *painter);
@@ -132,7 +131,7 @@ void ContrastStyle::drawControl(ControlElement element, const QStyleOption* opti
 {
     QProxyStyle::drawControl(element, option, painter, widget);
     if (element == CE_TabBarTabShape || element == CE_ProgressBarGroove) {
-        drawFrame(*option, option->rect, *painter);
+        drawFrame(*option, option->state, option->rect, *painter);
     }
 }
 
@@ -141,7 +140,8 @@ void ContrastStyle::drawComplexControl(ComplexControl control, const QStyleOptio
 {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     if (control == CC_ScrollBar) {
-        drawFrame(*option, proxy()->subControlRect(control, option, SC_ScrollBarSlider, widget), *painter);
+        drawFrame(*option, option->state, proxy()->subControlRect(control, option, SC_ScrollBarSlider, widget),
+                  *painter);
     } else if (control == CC_GroupBox) {
         drawOuterFrame(*option, proxy()->subControlRect(control, option, SC_GroupBoxContents, widget), *painter);
     }
