@@ -103,6 +103,20 @@ def AnEntryThatAKeyChoosesInAClosedListIsReported(world):
     wait_for("the entry", lambda: last_focus(listener) == ("list item", "Open"))
 
 
+def AKeyThatIsPressedTwiceActsTwice(world):
+    # Who listens gets the keys before the program does.
+    listener = Listener(world.bus, FOCUSED)
+    world.display.give_keyboard(world.program.button("Sign In"))
+    for _ in range(3):
+        world.display.keys("Return")
+        alert = world.program.alert()
+        world.display.give_keyboard(alert.node)
+        world.display.keys("Return")
+        wait_for("the alert to go", lambda: not world.program.alerts())
+        world.display.give_keyboard(world.program.button("Sign In"))
+    assert listener.heard()
+
+
 @situation(program=LOOPBACK)
 def ABusyScreenSaysSo(world):
     world.vorrano.do("serviceFault", kind="slow", delay=2000)

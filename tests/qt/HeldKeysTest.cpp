@@ -228,6 +228,27 @@ TEST_F(HeldKey, IsNotTheOneThatIsPressedAtTheTimeOfItsRelease)
     EXPECT_FALSE(keys.holdsBack(*qApp, Unmarked(QEvent::KeyPress, kReturn, 1, 36)));
 }
 
+// Qt's accessibility takes each event of a key, asks the screen reader, and sends a copy without the time.
+TEST_F(HeldKey, IsKnownAlsoWhileAScreenReaderIsAskedAboutEachKey)
+{
+    constexpr ulong kOfACopy = 0;
+    HeldKeys keys;
+    const auto pressIsHeldBack = [&](ulong time) {
+        return keys.holdsBack(*qApp, Unmarked(QEvent::KeyPress, kReturn, time));
+    };
+    const auto release = [&](ulong time) {
+        EXPECT_FALSE(keys.holdsBack(*qApp, Unmarked(QEvent::KeyRelease, kReturn, time)));
+    };
+    for (const ulong time : {10, 20}) {
+        EXPECT_FALSE(pressIsHeldBack(time));
+        EXPECT_FALSE(pressIsHeldBack(kOfACopy)) << time;
+        release(time + 5);
+        release(kOfACopy);
+    }
+
+    EXPECT_TRUE(pressIsHeldBack(25));
+}
+
 TEST_F(HeldKey, TogglesACheckBoxOnce)
 {
     const auto login = shown("LoginViewController");

@@ -41,7 +41,9 @@ bool HeldKeys::holdsBack(const QObject& receiver, const QEvent& event)
 {
     switch (event.type()) {
     case QEvent::KeyRelease:
-        if (const auto& release = static_cast<const QKeyEvent&>(event); !release.isAutoRepeat()) {
+        // A copy has no time.
+        if (const auto& release = static_cast<const QKeyEvent&>(event);
+            !release.isAutoRepeat() && release.timestamp() != 0) {
             m_releasedKey = release.nativeScanCode();
             m_releasedAt = release.timestamp();
         }

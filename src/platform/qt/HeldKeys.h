@@ -18,7 +18,8 @@ namespace vorrano::qt {
 class HeldKeys {
 public:
     // Whether the event would let a repetition act. The application then must not deliver it. Asked of every event,
-    // before any event filter sees it: a filter of Qt's accessibility passes keys on later, without their times.
+    // before any event filter sees it: a filter of Qt's accessibility, which asks a screen reader first, passes copies
+    // of the keys on later, without their times.
     [[nodiscard]] bool holdsBack(const QObject& receiver, const QEvent& event);
 
 private:
