@@ -112,7 +112,9 @@ def go_through(world):
     picture("wifi")
     # By keys, as Wayland places a list beside its window that is opened without a key or a click.
     if PLATFORM == "x11":
-        world.display.give_keyboard(program.button("Save network name"))
+        subprocess.run(["xdotool", "windowfocus", world.display.windows(program.pid)[-1]], check=True)
+    window = program.button("Save network name").window
+    wait_for("the keyboard", lambda: window.has("active"))
     world.display.keys("alt+t", "alt+Down")
     entries = [node for _, node in program.combo("Security type").tree() if node.role == "list"][0]
     wait_for("the list", lambda: entries.has("showing"))
