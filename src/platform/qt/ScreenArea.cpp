@@ -10,6 +10,13 @@
 
 namespace vorrano::qt {
 
+namespace {
+
+// What is seen beside a thing that was brought into sight, as Qt has it.
+constexpr int kMargin = 50;
+
+} // namespace
+
 int heightNeeded(const QWidget& content, int width)
 {
     const int least = content.minimumSizeHint().height();
@@ -53,11 +60,18 @@ void ScreenArea::showContent(QWidget& content)
 void ScreenArea::bringIntoSight(QWidget& inner)
 {
     ensureWidgetVisible(&inner);
-    if (isRightToLeft() && inner.visibleRegion().isEmpty()) {
-        // Qt forgets here that the bar counts from the right.
-        const int centre = inner.mapTo(widget(), inner.rect().center()).x();
-        horizontalScrollBar()->setValue(horizontalScrollBar()->maximum() - centre + viewport()->width() / 2);
+    const int width = viewport()->width();
+    const bool isWide = inner.width() > width;
+    // From right to left Qt forgets here that the bar counts from the right.
+    if (!isWide && (isLeftToRight() || !inner.visibleRegion().isEmpty())) {
+        return;
     }
+    const QRect place(inner.mapTo(widget(), QPoint()), inner.size());
+    // Of what is wider than the area its beginning is shown, and not its middle.
+    const int beginning = isLeftToRight() ? place.left() - kMargin : place.right() + kMargin - width;
+    const int left = isWide ? beginning : place.center().x() - width / 2;
+    auto& bar = *horizontalScrollBar();
+    bar.setValue(isLeftToRight() ? left : bar.maximum() - left);
 }
 
 QSize ScreenArea::sizeHint() const { return widget() == nullptr ? QSize(0, 0) : widget()->sizeHint(); }
