@@ -1,7 +1,10 @@
 #include "platform/qt/ScreenArea.h"
 
+#include "platform/qt/BusReports.h"
+
 #include <QApplication>
 #include <QEvent>
+#include <QLabel>
 #include <QLayout>
 #include <QResizeEvent>
 #include <QScrollBar>
@@ -48,9 +51,9 @@ void ScreenArea::showContent(QWidget& content)
     // The window's background, or the tab's, goes on being seen.
     content.setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
-    for (auto* const inner : content.findChildren<QWidget*>()) {
-        if (inner->property("announced").toBool()) {
-            inner->installEventFilter(this);
+    for (auto* const label : content.findChildren<QLabel*>()) {
+        if (isAnnounced(*label)) {
+            label->installEventFilter(this);
         }
     }
     content.show();
