@@ -5,6 +5,10 @@ include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
 
 check_pie_supported()
+# Qt's libraries use their own data where it lies, so a program must not have copies of it. -fPIE allows copies, which
+# shows where a distribution builds with link-time optimisation: the program ends at its start.
+set(CMAKE_CXX_COMPILE_OPTIONS_PIE -fPIC)
+set(CMAKE_CXX_LINK_OPTIONS_PIE -pie)
 
 add_compile_options(-fstack-protector-strong)
 # Not every processor and compiler has these; clang only warns of what it leaves out.

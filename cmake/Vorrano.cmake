@@ -21,7 +21,9 @@ if(VORRANO_QUICK_TOOLS)
         set(CMAKE_CXX_COMPILER_LAUNCHER "${VORRANO_CCACHE}")
     endif()
     find_program(VORRANO_LLD ld.lld)
-    if(VORRANO_LLD)
+    # lld cannot read what g++ leaves to link time.
+    if(VORRANO_LLD AND NOT (CMAKE_CXX_COMPILER_ID STREQUAL GNU AND
+                            (CMAKE_INTERPROCEDURAL_OPTIMIZATION OR CMAKE_CXX_FLAGS MATCHES "-flto")))
         add_link_options(-fuse-ld=lld)
     endif()
 endif()
