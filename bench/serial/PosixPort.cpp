@@ -32,6 +32,20 @@ std::size_t receive(int line, Chunk& chunk)
 
 } // namespace
 
+int openLine(const std::string& node)
+{
+    const int line = ::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    termios raw{};
+    ::cfmakeraw(&raw);
+    ::cfsetspeed(&raw, B9600);
+    raw.c_cflag |= CREAD | CLOCAL;
+    if (line >= 0 && ::tcsetattr(line, TCSANOW, &raw) != 0) {
+        ::close(line);
+        return -1;
+    }
+    return line;
+}
+
 PosixPort::PosixPort(std::string node)
     : m_node(std::move(node))
 {}
@@ -40,12 +54,8 @@ PosixPort::~PosixPort() { close(); }
 
 bool PosixPort::open()
 {
-    m_line = ::open(m_node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    termios raw{};
-    ::cfmakeraw(&raw);
-    ::cfsetspeed(&raw, B9600);
-    raw.c_cflag |= CREAD | CLOCAL;
-    return m_line >= 0 && ::tcsetattr(m_line, TCSANOW, &raw) == 0;
+    m_line = openLine(m_node);
+    return m_line >= 0;
 }
 
 void PosixPort::close()

@@ -9,6 +9,9 @@
 
 namespace vorrano::bench {
 
+// A descriptor of the line, raw and at 9600 baud; -1 when there is none.
+[[nodiscard]] int openLine(const std::string& node);
+
 // The floor: one loop of write, poll and read.
 class PosixPort : public BlockingPort<StreamPort> {
 public:

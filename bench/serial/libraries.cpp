@@ -14,6 +14,7 @@
 #include "PosixPort.h"
 #include "PyserialPort.h"
 #include "QtPort.h"
+#include "ThreadsPort.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -198,6 +199,7 @@ int measure(int argc, char** argv)
     const EchoDevice asioDevice;
     const EchoDevice libserialportDevice;
     const EchoDevice posixDevice;
+    const EchoDevice threadsDevice;
     const EchoDevice pyserialDevice;
     std::vector<std::unique_ptr<EchoDevice>> devices;
     for (std::size_t i = 0; i < kManyPorts; ++i) {
@@ -213,6 +215,7 @@ int measure(int argc, char** argv)
     competitors.push_back({"Asio", std::make_unique<AsioPort>(asioDevice.node())});
     competitors.push_back({"libserialport", std::make_unique<LibserialportPort>(libserialportDevice.node())});
     competitors.push_back({"bare POSIX", std::make_unique<PosixPort>(posixDevice.node())});
+    competitors.push_back({"bare threads", std::make_unique<ThreadsPort>(threadsDevice.node())});
     competitors.push_back({"pyserial", std::make_unique<PyserialPort>(argv[1], pyserialDevice.node())});
     exchangeByTurns(competitors, kUnpaced, figures);
     followLastByte(competitors[0], ownDevice, figures);
@@ -220,6 +223,7 @@ int measure(int argc, char** argv)
     followLastByte(competitors[2], asioDevice, figures);
     followLastByte(competitors[3], libserialportDevice, figures);
     followLastByte(competitors[4], posixDevice, figures);
+    followLastByte(competitors[5], threadsDevice, figures);
     exchangeByTurns(competitors, kPaced, figures);
     competitors.clear();
 
