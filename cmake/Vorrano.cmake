@@ -21,9 +21,11 @@ if(VORRANO_QUICK_TOOLS)
         set(CMAKE_CXX_COMPILER_LAUNCHER "${VORRANO_CCACHE}")
     endif()
     find_program(VORRANO_LLD ld.lld)
+    string(TOUPPER "_${CMAKE_BUILD_TYPE}" kind)
     # lld cannot read what g++ leaves to link time.
     if(VORRANO_LLD AND NOT (CMAKE_CXX_COMPILER_ID STREQUAL GNU AND
-                            (CMAKE_INTERPROCEDURAL_OPTIMIZATION OR CMAKE_CXX_FLAGS MATCHES "-flto")))
+                            (CMAKE_INTERPROCEDURAL_OPTIMIZATION OR CMAKE_INTERPROCEDURAL_OPTIMIZATION${kind} OR
+                             "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS${kind}}" MATCHES "-flto")))
         add_link_options(-fuse-ld=lld)
     endif()
 endif()

@@ -1,5 +1,5 @@
-// A Qt program with the login window's controls, looking as the program's do, and nothing behind them: what the program's
-// start is measured against.
+// A Qt program with the login window's controls, looking as the program's do, and nothing behind them: what the
+// program's start is measured against.
 #include "ui_LoginViewController.h"
 
 #include <QApplication>

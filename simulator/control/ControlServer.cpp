@@ -1,10 +1,12 @@
 #include "simulator/control/ControlServer.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonParseError>
 
 #include <chrono>
 #include <exception>
+#include <filesystem>
 #include <stdexcept>
 
 namespace vorrano::simulator {
@@ -17,12 +19,23 @@ void send(QLocalSocket* socket, const QJsonObject& object)
 
 QJsonObject refusal(const QString& why) { return {{"ok", false}, {"error", why}}; }
 
+// A socket may be left of a simulator that was killed. Somebody else's file has to stay.
+void expectNothingButASocketAt(const QString& path)
+{
+    const auto there = std::filesystem::symlink_status(path.toStdString()).type();
+    if (there != std::filesystem::file_type::not_found && there != std::filesystem::file_type::socket) {
+        throw std::runtime_error("control socket: " + path.toStdString() + " is there already");
+    }
+}
+
 } // namespace
 
 ControlServer::ControlServer(const std::string& path, Handler handler)
     : m_handler(std::move(handler))
 {
-    const auto name = QString::fromStdString(path);
+    // Qt would take a relative path from the folder for temporary files.
+    const auto name = QFileInfo(QString::fromStdString(path)).absoluteFilePath();
+    expectNothingButASocketAt(name);
     m_server.setSocketOptions(QLocalServer::UserAccessOption);
     QLocalServer::removeServer(name);
     if (!m_server.listen(name)) {

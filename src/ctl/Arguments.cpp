@@ -34,8 +34,10 @@ constexpr std::array kOptions{
     option{"password-file", required_argument, nullptr, kPasswordFile},
     option{nullptr, 0, nullptr, 0},
 };
-// With the colon an option that lacks its value is told from an unknown one.
-constexpr const char* kShortOptions = ":hvp:ajf";
+// With the dash the verb and its operands come in their places, and options after them are options under every
+// environment. With the colon an option that lacks its value is told from an unknown one.
+constexpr const char* kShortOptions = "-:hvp:ajf";
+constexpr int kOperand = 1; // getopt's own code
 
 // What the options say, and which of them there were.
 struct Options {
@@ -132,7 +134,11 @@ std::variant<Options, Answer> optionsOf(const std::vector<std::string>& words)
             return isOption(optopt) ? refusal("'" + nameOf(optopt) + "' takes no value.")
                                     : refusal(std::string("Unknown option '-") + static_cast<char>(optopt) + "'.");
         }
-        take(options, code);
+        if (code == kOperand) {
+            options.arguments.operands.emplace_back(optarg);
+        } else {
+            take(options, code);
+        }
     }
     for (int i = optind; i < argc; ++i) {
         options.arguments.operands.emplace_back(argv[static_cast<std::size_t>(i)]);

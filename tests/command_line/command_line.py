@@ -5,8 +5,10 @@ usage: command_line.py BUILD_FOLDER MANUAL_FOLDER VERSION [unittest's arguments]
 """
 import os
 import re
+import socket
 import subprocess
 import sys
+import tempfile
 import unittest
 
 BUILD = MANUAL = VERSION = ""
@@ -18,10 +20,10 @@ WITH_VALUE = ("platform", "platformpluginpath", "platformtheme", "plugin", "qwin
 WITHOUT_VALUE = ("reverse", "widgetcount", "style=fusion", "stylesheet=none.css", "qmljsdebugger=port:1")
 
 
-def run(program, *arguments):
+def run(program, *arguments, place=None):
     environment = {name: value for name, value in os.environ.items() if name not in DISPLAYS}
-    return subprocess.run([os.path.join(BUILD, program), *arguments], env=environment, stdin=subprocess.DEVNULL,
-                          capture_output=True, text=True, timeout=DEADLINE)
+    return subprocess.run([os.path.join(BUILD, program), *arguments], env=environment, cwd=place,
+                          stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=DEADLINE)
 
 
 def each_program(*arguments):
@@ -62,6 +64,15 @@ class CommandLine(unittest.TestCase):
             for program, ended in each_program(option):
                 self.assertEqual((ended.returncode, ended.stdout, ended.stderr),
                                  (0, "%s %s\n" % (program, VERSION), ""), ended)
+
+    def test_says_that_its_answer_did_not_go_out(self):
+        for option in ("--help", "--version"):
+            for program in PROGRAMS + ("vorranoctl",):
+                with open("/dev/full", "wb") as full:
+                    ended = subprocess.run([os.path.join(BUILD, program), option], stdout=full, stderr=subprocess.PIPE,
+                                           text=True, timeout=DEADLINE)
+                self.assertEqual((ended.returncode, ended.stderr),
+                                 (1, program + ": write error: No space left on device\n"), ended)
 
     def test_refuses_an_option_that_it_does_not_know(self):
         for option in ("--colour", "-colour", "-c", "--help-me", "--platforms"):
@@ -115,6 +126,25 @@ class SimulatorsCommandLine(unittest.TestCase):
     def test_refuses_what_is_no_port(self):
         for port in ("abc", "65536", "-1", ""):
             self.assert_refused("http-port", "--control", "/nonexistent/control", "--http-port", port)
+
+    def test_leaves_a_file_alone_that_is_no_socket(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "control")
+            with open(path, "w", encoding="ascii") as file:
+                file.write("mine")
+            for named, place in ((path, None), ("control", folder)):
+                ended = run("vorrano-simulator", "--control", named, "--until-stdin-ends", place=place)
+                self.assertEqual((ended.returncode, ended.stdout), (1, ""), ended)
+                self.assertIn("control socket: %s is there already" % path, ended.stderr)
+            with open(path, encoding="ascii") as file:
+                self.assertEqual(file.read(), "mine")
+
+    def test_replaces_the_socket_of_an_earlier_simulator(self):
+        with tempfile.TemporaryDirectory() as folder:
+            with socket.socket(socket.AF_UNIX) as earlier:
+                earlier.bind(os.path.join(folder, "control"))
+            ended = run("vorrano-simulator", "--control", "control", "--until-stdin-ends", place=folder)
+            self.assertEqual(ended.returncode, 0, ended)
 
     def test_refuses_an_unknown_option_before_it_looks_for_a_display(self):
         self.assert_refused("Unknown option 'colour'", "--control", "/nonexistent/control", "--window", "--colour")

@@ -211,6 +211,6 @@ def SaysThatItsOutputDidNotGoOut(world):
     with open("/dev/full", "wb") as full:
         tool = world.start("get", "mac", stdout=full)
 
-        tool.communicate(timeout=30)
+        _, error = tool.communicate(timeout=30)
 
-    assert tool.returncode == 1
+    assert (tool.returncode, error) == (1, b"vorranoctl: write error: No space left on device\n"), (tool, error)

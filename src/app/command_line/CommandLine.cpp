@@ -7,12 +7,17 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string_view>
 
 namespace vorrano::command_line {
 
 namespace {
+
+// The exit status of a program whose answer did not go out.
+constexpr int kUnwritten = 1;
 
 // What the application object and the window system's plugins take for themselves, with one or two dashes.
 constexpr std::array<std::string_view, 16> kQtOptionsWithValue{
@@ -70,6 +75,16 @@ void printHelp(int argc, char** argv, const QCommandLineParser& parser)
     std::puts("\nQt's own options, such as -platform, -style and -geometry, are understood as well.");
 }
 
+// The status to end with when all that was asked for has been printed. A full disk is told.
+int afterPrinting(const Program& program)
+{
+    if (std::ferror(stdout) == 0 && std::fflush(stdout) == 0) {
+        return 0;
+    }
+    std::fprintf(stderr, "%s: write error: %s\n", program.name, std::strerror(errno));
+    return kUnwritten;
+}
+
 } // namespace
 
 std::optional<int> answer(int argc, char** argv, const Program& program, QCommandLineParser& parser)
@@ -90,11 +105,11 @@ std::optional<int> answer(int argc, char** argv, const Program& program, QComman
     }
     if (parser.isSet(help)) {
         printHelp(argc, argv, parser);
-        return 0;
+        return afterPrinting(program);
     }
     if (parser.isSet(version)) {
         std::printf("%s %s\n", program.name, VORRANO_VERSION);
-        return 0;
+        return afterPrinting(program);
     }
     return std::nullopt;
 }

@@ -1,5 +1,6 @@
 #include "ctl/program/StandardConsole.h"
 
+#include <cerrno>
 #include <cstdio>
 
 #include <unistd.h>
@@ -9,7 +10,10 @@ namespace vorrano::ctl {
 void StandardConsole::output(std::string_view text)
 {
     const auto written = std::fwrite(text.data(), 1, text.size(), stdout);
-    m_isWhole = std::fflush(stdout) == 0 && written == text.size() && m_isWhole;
+    const bool isOut = std::fflush(stdout) == 0 && written == text.size();
+    if (!isOut && !m_failure) {
+        m_failure.assign(errno, std::generic_category());
+    }
 }
 
 void StandardConsole::error(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }

@@ -2,6 +2,8 @@
 
 #include "ctl/Console.h"
 
+#include <system_error>
+
 namespace vorrano::ctl {
 
 // The process's standard streams. What is written is out when the call returns; a failure is remembered.
@@ -11,11 +13,11 @@ public:
     void error(std::string_view text) override;
     [[nodiscard]] bool isErrorTerminal() const override;
 
-    // Whether all output went out: it may not on a full disk, or when its reader has gone.
-    [[nodiscard]] bool isWhole() const { return m_isWhole; }
+    // Why not all output went out: a full disk, or a reader that has gone.
+    [[nodiscard]] std::error_code failure() const { return m_failure; }
 
 private:
-    bool m_isWhole = true;
+    std::error_code m_failure;
 };
 
 } // namespace vorrano::ctl

@@ -49,7 +49,17 @@ struct Adapters {
         {mainQueue, backgroundQueue, notificationCentre, terminal, deviceRegistry, powerEvents, log}};
 };
 
-int end(ctl::Console& console, const ctl::Answer& answer)
+// The status to end with: what did not go out is told, unless its reader did not want it.
+int end(ctl::StandardConsole& console, ctl::ExitStatus status)
+{
+    const auto failure = console.failure();
+    if (failure && failure != std::errc::broken_pipe) {
+        console.error(std::string(ctl::kProgramName) + ": write error: " + failure.message() + "\n");
+    }
+    return static_cast<int>(failure && status == ctl::ExitStatus::Done ? ctl::ExitStatus::DeviceFailed : status);
+}
+
+int end(ctl::StandardConsole& console, const ctl::Answer& answer)
 {
     if (answer.status == ctl::ExitStatus::Done) {
         console.output(answer.text);
@@ -57,7 +67,7 @@ int end(ctl::Console& console, const ctl::Answer& answer)
         const std::string name(ctl::kProgramName);
         console.error(name + ": " + answer.text + "\nTry '" + name + " --help'.\n");
     }
-    return static_cast<int>(answer.status);
+    return end(console, answer.status);
 }
 
 int run(int argc, char** argv, ctl::StandardConsole& console, ctl::Arguments arguments, ctl::Task task)
@@ -79,13 +89,11 @@ int run(int argc, char** argv, ctl::StandardConsole& console, ctl::Arguments arg
     serial::SerialPortManager::releaseShared();
     adapters.mainQueue.endAndDrain();
     adapters.backgroundQueue.stop();
-    if (!console.isWhole() && status == ctl::ExitStatus::Done) {
-        status = ctl::ExitStatus::DeviceFailed;
-    }
+    const int ended = end(console, status);
     if (!adapters.backgroundQueue.joinWithin(kLongestControlCall)) {
-        std::_Exit(static_cast<int>(status));
+        std::_Exit(ended);
     }
-    return static_cast<int>(status);
+    return ended;
 }
 
 } // namespace

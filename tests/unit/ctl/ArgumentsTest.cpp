@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <variant>
 #include <vector>
@@ -30,6 +31,17 @@ TEST(CtlArguments, TakeTheirOptionsBeforeAndAfterTheVerb)
     EXPECT_THAT(arguments.ports, ElementsAre("/dev/a", "/dev/b"));
     EXPECT_TRUE(arguments.json);
     EXPECT_FALSE(arguments.all);
+}
+
+TEST(CtlArguments, TakeOptionsAfterTheVerbWhateverTheEnvironmentSays)
+{
+    ::setenv("POSIXLY_CORRECT", "1", 1);
+    const auto arguments = understood({"get", "--json", "mac", "-a"});
+    ::unsetenv("POSIXLY_CORRECT");
+
+    EXPECT_THAT(arguments.operands, ElementsAre("mac"));
+    EXPECT_TRUE(arguments.json);
+    EXPECT_TRUE(arguments.all);
 }
 
 TEST(CtlArguments, HaveTheNetworksValues)
