@@ -8,6 +8,7 @@ from harness.world import situation
 
 LOOPBACK = "vorrano-setup-loopback"
 FOCUSED, CARET, SHOWING = "object:state-changed:focused", "object:text-caret-moved", "object:state-changed:showing"
+TEXT = "object:text-changed"
 NAMES, VALUES = "object:property-change:accessible-name", "object:property-change:accessible-value"
 FOCUS = ("StateChanged", "focused", 1)
 STOPS = {"push button", "text", "password text", "combo box", "check box", "page tab"}
@@ -101,6 +102,29 @@ def AnEntryThatAKeyChoosesInAClosedListIsReported(world):
     world.display.keys("Down")
 
     wait_for("the entry", lambda: last_focus(listener) == ("list item", "Open"))
+
+
+def APasswordThatIsTypedIsNotOnTheBus(world):
+    field = world.program.field("Password")
+    listener = Listener(world.bus, TEXT)
+    world.display.give_keyboard(field)
+    world.display.click_on(field)
+    wait_for("the focus", lambda: field.has("focused"))
+
+    world.display.write("k3ttle")
+    world.display.keys("BackSpace")
+    wait_for("the last key", lambda: listener.texts_of(field)[-1:] == [("delete", "\u2022")])
+    assert listener.texts_of(field) == 6 * [("insert", "\u2022")] + [("delete", "\u2022")], listener.texts_of(field)
+
+
+def WhatIsTypedWhereItIsShownIsOnTheBus(world):
+    field = world.program.field("Account ID or email")
+    listener = Listener(world.bus, TEXT)
+    world.display.give_keyboard(field)
+
+    world.display.write("ada")
+
+    wait_for("the name", lambda: listener.texts_of(field) == [("insert", "a"), ("insert", "d"), ("insert", "a")])
 
 
 def AKeyThatIsPressedTwiceActsTwice(world):

@@ -1,5 +1,6 @@
 #include "QtProgram.h"
 
+#include "platform/qt/Dimmer.h"
 #include "platform/qt/Spinner.h"
 
 #include <QAbstractButton>
@@ -241,6 +242,35 @@ TEST_F(Controls, ProgressOfAnUploadStaysLegibleInsideADimmedBox)
 
     EXPECT_EQ(picture("uploadProgressBar"), bar);
     EXPECT_EQ(darkest(picture("uploadProgressLabel")), text);
+}
+
+// While the screen is busy the sign that turns is painted many times a second.
+TEST_F(Controls, ALineThatIsNotDimmedIsPaintedOnlyWithItsOwnPlace)
+{
+    class Line : public QWidget {
+    public:
+        using QWidget::QWidget;
+        int paintings = 0;
+
+    protected:
+        void paintEvent(QPaintEvent*) override { ++paintings; }
+    };
+    QWidget screen;
+    screen.resize(200, 200);
+    auto& line = *new Line(&screen);
+    line.setGeometry(0, 0, 200, 20);
+    Dimmer dimmer(screen, {&line});
+    dimmer.setStrength(0.7);
+    screen.show();
+    ASSERT_TRUE(spinUntil([&] { return line.paintings > 0; }));
+    runQueue();
+    const int before = line.paintings;
+
+    dimmer.repaint(0, 100, 50, 50);
+    EXPECT_EQ(line.paintings, before);
+
+    dimmer.repaint(0, 10, 50, 50);
+    EXPECT_GT(line.paintings, before);
 }
 
 TEST_F(Controls, ALineThatIsNotDimmedStandsOnTheDimmedBackground)

@@ -116,6 +116,30 @@ TEST_F(FieldOnTheBus, TakesText)
     EXPECT_EQ(edit.text(), "pot");
 }
 
+// A negative end means the end of the text to many who ask.
+TEST_F(FieldOnTheBus, TakesPlacesOutsideOfItsTextForItsEnds)
+{
+    auto& editable = *field.editableTextInterface();
+
+    text().setSelection(0, 2, -1);
+    EXPECT_EQ(edit.selectedText(), "ttle");
+    text().addSelection(-3, 99);
+    EXPECT_EQ(edit.selectedText(), "kettle");
+    EXPECT_EQ(text().text(2, -1), "ttle");
+    EXPECT_EQ(text().text(-2, 3), "ket");
+
+    editable.deleteText(5, 2);
+    EXPECT_EQ(edit.text(), "kettle");
+    editable.deleteText(4, -1);
+    EXPECT_EQ(edit.text(), "kett");
+    editable.insertText(99, QStringLiteral("y"));
+    EXPECT_EQ(edit.text(), "ketty");
+    editable.replaceText(-5, 99, QStringLiteral("pot"));
+    EXPECT_EQ(edit.text(), "pot");
+    editable.deleteText(0, -1);
+    EXPECT_EQ(edit.text(), "");
+}
+
 TEST_F(FieldOnTheBus, KnowsWhereItsCharactersAre)
 {
     const QRect place(edit.mapToGlobal(QPoint()), edit.size());

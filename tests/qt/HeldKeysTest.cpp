@@ -249,6 +249,22 @@ TEST_F(HeldKey, IsKnownAlsoWhileAScreenReaderIsAskedAboutEachKey)
     EXPECT_TRUE(pressIsHeldBack(25));
 }
 
+// The window hears of the key with its time, the control only of a copy without.
+TEST_F(HeldKey, IsHeldBackAtTheWindowForTheControlWithTheKeyboard)
+{
+    const auto login = shown("LoginViewController");
+    focus(*login, "loginButton");
+    HeldKeys keys;
+    QWindow& window = *frame(*login).windowHandle();
+    EXPECT_FALSE(keys.holdsBack(window, Unmarked(QEvent::KeyPress, kSpace, 10)));
+    EXPECT_FALSE(keys.holdsBack(window, Unmarked(QEvent::KeyRelease, kSpace, 20)));
+    EXPECT_TRUE(keys.holdsBack(window, Unmarked(QEvent::KeyPress, kSpace, 20)));
+
+    focus(*login, "password");
+    EXPECT_FALSE(keys.holdsBack(window, Unmarked(QEvent::KeyRelease, kSpace, 30)));
+    EXPECT_FALSE(keys.holdsBack(window, Unmarked(QEvent::KeyPress, kSpace, 30)));
+}
+
 TEST_F(HeldKey, TogglesACheckBoxOnce)
 {
     const auto login = shown("LoginViewController");

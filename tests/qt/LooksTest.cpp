@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTabBar>
+#include <QtTest/QTest>
 
 #include <array>
 #include <map>
@@ -242,6 +243,52 @@ TEST_P(Looks, WhatGetsTheFocusIsScrolledIntoSight)
     settle();
 
     EXPECT_FALSE(button.visibleRegion().isEmpty());
+}
+
+// What moved under the pointer would not be clicked.
+TEST_P(Looks, WhatIsPressedWithThePointerStaysInItsPlace)
+{
+    ScreenArea area;
+    const auto view = layouts.loadView("UtilitiesViewController");
+    auto& button = widget<QPushButton>(*view, "buttonSetThrottle");
+    int presses = 0;
+    view->button("buttonSetThrottle").onPress([&](platform::Control&) { ++presses; });
+    area.showContent(dynamic_cast<QtView&>(*view).root());
+    area.resize(area.sizeHint().width() + 40, 160);
+    area.show();
+    ASSERT_TRUE(spinUntil([&] { return area.isActiveWindow(); }));
+    // A few of its pixels are in sight, at the lower edge.
+    const int top = button.mapTo(area.widget(), QPoint()).y();
+    area.verticalScrollBar()->setValue(top - area.viewport()->height() + 6);
+    settle();
+    const QPoint seen = button.visibleRegion().boundingRect().center();
+    const QPoint place = button.mapTo(&area, seen);
+
+    QTest::mouseClick(area.windowHandle(), Qt::LeftButton, {}, place);
+    settle();
+
+    EXPECT_EQ(presses, 1);
+}
+
+// As when a minimised window comes back.
+TEST_P(Looks, ALineThatWasThereBeforeDoesNotMoveThePage)
+{
+    ScreenArea area;
+    const auto view = layouts.loadView("UtilitiesViewController");
+    auto& label = widget<QLabel>(*view, "connectionNoticeLabel");
+    view->label("connectionNoticeLabel").setText("Line 1");
+    area.showContent(dynamic_cast<QtView&>(*view).root());
+    area.resize(400, 120);
+    area.show();
+    settle();
+    area.verticalScrollBar()->setValue(area.verticalScrollBar()->maximum());
+
+    QShowEvent back;
+    QSpontaneKeyEvent::setSpontaneous(&back);
+    qApp->notify(&label, &back);
+    settle();
+
+    EXPECT_EQ(area.verticalScrollBar()->value(), area.verticalScrollBar()->maximum());
 }
 
 TEST_P(Looks, ALineThatIsReadOutWhenItAppearsIsScrolledIntoSight)

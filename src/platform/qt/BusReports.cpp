@@ -3,7 +3,9 @@
 #include "platform/qt/TabWidget.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPointer>
 #include <QProgressBar>
 #include <QWidget>
@@ -25,7 +27,11 @@ bool s_ahead = false;
 
 void passOn(QAccessibleEvent* event)
 {
-    QAccessible::installUpdateHandler(s_next);
+    if (s_next != nullptr) {
+        s_next(event);
+        return;
+    }
+    QAccessible::installUpdateHandler(nullptr);
     QAccessible::updateAccessibility(event);
     QAccessible::installUpdateHandler(report);
 }
@@ -49,6 +55,35 @@ void reportFocus(QAccessibleEvent* event)
         event->setChild(bar->currentIndex());
     }
     passOn(event);
+}
+
+// As many bullets, so that a reader counts what is typed, and the bus has no secret.
+QString hidden(const QString& text) { return QString(text.size(), u'\u2022'); }
+
+// A change of a text that its field does not show. False when the event is another one.
+bool reportHiddenText(const QAccessibleEvent& event)
+{
+    auto* const field = qobject_cast<QLineEdit*>(event.object());
+    if (field == nullptr || field->echoMode() == QLineEdit::Normal) {
+        return false;
+    }
+    const auto tell = [&](auto report, const QAccessibleTextCursorEvent& of) {
+        report.setCursorPosition(of.cursorPosition());
+        passOn(&report);
+        return true;
+    };
+    if (const auto* const typed = dynamic_cast<const QAccessibleTextInsertEvent*>(&event)) {
+        return tell(QAccessibleTextInsertEvent(field, typed->changePosition(), hidden(typed->textInserted())), *typed);
+    }
+    if (const auto* const gone = dynamic_cast<const QAccessibleTextRemoveEvent*>(&event)) {
+        return tell(QAccessibleTextRemoveEvent(field, gone->changePosition(), hidden(gone->textRemoved())), *gone);
+    }
+    if (const auto* const changed = dynamic_cast<const QAccessibleTextUpdateEvent*>(&event)) {
+        return tell(QAccessibleTextUpdateEvent(field, changed->changePosition(), hidden(changed->textRemoved()),
+                                               hidden(changed->textInserted())),
+                    *changed);
+    }
+    return false;
 }
 
 bool isOfAnnouncedLabel(const QAccessibleEvent& event)
@@ -82,7 +117,7 @@ void report(QAccessibleEvent* event)
         reportFocus(event);
         return;
     }
-    if (isSmallStep(*event)) {
+    if (isSmallStep(*event) || reportHiddenText(*event)) {
         return;
     }
     if (isOfAnnouncedLabel(*event) && event->type() == QAccessible::NameChanged) {
@@ -97,6 +132,9 @@ void report(QAccessibleEvent* event)
         QAccessibleEvent focus(event->object(), QAccessible::Focus);
         reportFocus(&focus);
         s_ahead = true;
+        // Qt reports it in the call that gave the focus. Later it would be another time.
+        QMetaObject::invokeMethod(
+            qApp, [] { s_ahead = false; }, Qt::QueuedConnection);
     }
     passOn(event);
 }

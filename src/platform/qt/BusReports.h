@@ -9,6 +9,7 @@ namespace vorrano::qt {
 // - A field that gets the focus by a key selects its text, and Qt reports this caret before the focus. A screen reader
 //   takes the caret for the focus, and then says nothing of a focus that it knows already. So the focus goes first.
 // - Qt reports the row of tabs, which has no name, when it gets the focus. What has the focus is the tab on screen.
+// - Qt reports what is typed in a field as it is. Of a text that its field hides, only the length is told.
 // - A screen reader that has many reports to read passes over what is announced. During an upload a line of text and a
 //   bar change many times a second: the text is reported only when it is announced, the bar with each tenth.
 //

@@ -1,6 +1,7 @@
 #include "platform/qt/Dimmer.h"
 
 #include <QEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPixmap>
 
@@ -49,15 +50,17 @@ bool Dimmer::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
-void Dimmer::paintEvent(QPaintEvent*)
+void Dimmer::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     QColor colour = palette().color(QPalette::Window);
     colour.setAlphaF(static_cast<float>(m_strength));
     painter.fillRect(rect(), colour);
     for (auto* const widget : m_leftOut) {
-        if (widget->isVisible()) {
-            painter.drawPixmap(widget->mapTo(parentWidget(), QPoint()), pictureOf(*widget));
+        const QRect place(widget->mapTo(parentWidget(), QPoint()), widget->size());
+        // The sign that turns has this painted many times a second.
+        if (widget->isVisible() && event->region().intersects(place)) {
+            painter.drawPixmap(place.topLeft(), pictureOf(*widget));
         }
     }
 }

@@ -4,6 +4,24 @@
 
 namespace vorrano::qt {
 
+namespace {
+
+struct Part {
+    int start;
+    int end;
+};
+
+// Whoever asks over the bus may name any places: what lies outside of the text is its beginning or its end, and a
+// negative end is the end, too.
+Part within(const QString& text, int start, int end)
+{
+    const int size = static_cast<int>(text.size());
+    const int first = std::clamp(start, 0, size);
+    return {first, end < 0 ? size : std::clamp(end, first, size)};
+}
+
+} // namespace
+
 FieldAccessible::FieldAccessible(QLineEdit& field)
     : QAccessibleWidget(&field, QAccessible::EditableText)
     , m_field(field)
@@ -64,7 +82,8 @@ void FieldAccessible::addSelection(int start, int end) { setSelection(0, start, 
 void FieldAccessible::setSelection(int index, int start, int end)
 {
     if (index == 0) {
-        m_field.setSelection(start, end - start);
+        const auto part = within(m_field.text(), start, end);
+        m_field.setSelection(part.start, part.end - part.start);
     }
 }
 
@@ -81,7 +100,12 @@ void FieldAccessible::setCursorPosition(int position) { m_field.setCursorPositio
 
 int FieldAccessible::characterCount() const { return static_cast<int>(m_field.text().size()); }
 
-QString FieldAccessible::text(int start, int end) const { return shown().mid(start, std::max(0, end - start)); }
+QString FieldAccessible::text(int start, int end) const
+{
+    const QString text = shown();
+    const auto part = within(text, start, end);
+    return text.mid(part.start, part.end - part.start);
+}
 
 QString FieldAccessible::attributes(int /*offset*/, int* start, int* end) const
 {
@@ -117,7 +141,9 @@ void FieldAccessible::insertText(int offset, const QString& text) { replaceText(
 
 void FieldAccessible::replaceText(int start, int end, const QString& text)
 {
-    m_field.setText(m_field.text().replace(start, end - start, text));
+    QString all = m_field.text();
+    const auto part = within(all, start, end);
+    m_field.setText(all.replace(part.start, part.end - part.start, text));
 }
 
 QString FieldAccessible::shown() const { return m_field.echoMode() == QLineEdit::Normal ? m_field.text() : QString(); }

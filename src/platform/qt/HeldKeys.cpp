@@ -1,5 +1,6 @@
 #include "platform/qt/HeldKeys.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QWidget>
 
@@ -7,10 +8,20 @@ namespace vorrano::qt {
 
 namespace {
 
+// A window passes the key on to the widget with the focus.
+const QWidget* whoGets(const QObject& receiver)
+{
+    if (receiver.isWidgetType()) {
+        return static_cast<const QWidget*>(&receiver);
+    }
+    const auto* const list = QApplication::activePopupWidget();
+    const auto* const inner = list == nullptr ? QApplication::focusWidget() : list->focusWidget();
+    return inner == nullptr ? list : inner;
+}
+
 bool takesText(const QObject& receiver)
 {
-    const auto* const widget = qobject_cast<const QWidget*>(&receiver);
-    // A window passes the key on to the widget with the focus, which is asked then.
+    const auto* const widget = whoGets(receiver);
     return widget == nullptr || widget->testAttribute(Qt::WA_InputMethodEnabled);
 }
 

@@ -33,7 +33,9 @@ ScreenArea::ScreenArea()
     // It is no stop for Tab: what gets the focus in it is brought into sight.
     setFocusPolicy(Qt::NoFocus);
     connect(qApp, &QApplication::focusChanged, this, [this](const QWidget*, QWidget* now) {
-        if (now != nullptr && widget() != nullptr && widget()->isAncestorOf(now)) {
+        // What the pointer presses is in sight, and has to stay under it.
+        const bool isPressed = QGuiApplication::mouseButtons() != Qt::NoButton;
+        if (now != nullptr && !isPressed && widget() != nullptr && widget()->isAncestorOf(now)) {
             bringIntoSight(*now);
         }
     });
@@ -90,11 +92,18 @@ QSize ScreenArea::minimumSizeHint() const
     return {widget()->minimumSizeHint().width(), heightNeeded(*widget(), width)};
 }
 
+// A line that is read out and appears: not the scroll bars, nor what comes back with a minimised window.
+bool ScreenArea::isNewLine(const QObject& watched, const QEvent& event) const
+{
+    return event.type() == QEvent::Show && !event.spontaneous() && watched.isWidgetType() && widget() != nullptr &&
+           widget()->isAncestorOf(static_cast<const QWidget*>(&watched));
+}
+
 bool ScreenArea::eventFilter(QObject* watched, QEvent* event)
 {
     if (watched == widget() && event->type() == QEvent::LayoutRequest) {
         updateGeometry();
-    } else if (watched != widget() && event->type() == QEvent::Show) {
+    } else if (isNewLine(*watched, *event)) {
         // It has its place only when the content is laid out anew.
         widget()->layout()->activate();
         bringIntoSight(*qobject_cast<QWidget*>(watched));

@@ -26,6 +26,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    [[nodiscard]] bool isNewLine(const QObject& watched, const QEvent& event) const;
     void bringIntoSight(QWidget& inner);
 };
 

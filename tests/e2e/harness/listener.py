@@ -11,6 +11,7 @@ class Listener:
     def __init__(self, bus, *kinds):
         """Events of these kinds, as the registry names them ("object:text-caret-moved")."""
         self.events = []
+        self._texts = []
         self._bus = bus
         for kind in kinds:
             bus.call(REGISTRY, REGISTRY_PATH, REGISTRY, "RegisterEvent", GLib.Variant("(sass)", (kind, [], "")))
@@ -19,8 +20,11 @@ class Listener:
             for interface in (OBJECT_EVENTS, FOCUS_EVENTS)]
 
     def _heard(self, _connection, sender, path, _interface, member, arguments):
-        detail, value = arguments.unpack()[:2]
-        self.events.append((Node(self._bus, sender, path), member, detail, value))
+        detail, value, _, data = arguments.unpack()[:4]
+        node = Node(self._bus, sender, path)
+        self.events.append((node, member, detail, value))
+        if member == "TextChanged":
+            self._texts.append((node, detail.split(":")[0], data))
 
     def heard(self):
         """All so far."""
@@ -33,6 +37,12 @@ class Listener:
         """What was heard of one accessible: (member, detail, value)."""
         return [tuple(said) for source, *said in self.heard() if source == node]
 
+    def texts_of(self, node):
+        """What was typed in a field and what was taken away: ("insert", text) and ("delete", text)."""
+        self.heard()
+        return [tuple(said) for source, *said in self._texts if source == node]
+
     def forget(self):
         self.heard()
         self.events.clear()
+        self._texts.clear()
