@@ -8,8 +8,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTabBar>
+#include <QWindow>
 #include <QtTest/QTest>
 
 #include <array>
@@ -243,6 +245,21 @@ TEST_P(Looks, WhatGetsTheFocusIsScrolledIntoSight)
     settle();
 
     EXPECT_FALSE(button.visibleRegion().isEmpty());
+}
+
+TEST_P(Looks, AWindowCanBeMadeAsSmallAsTheDisplayThatItIsMovedTo)
+{
+    const auto window = shown("LoginViewController");
+    settle();
+    auto& moved = frame(*window);
+    auto* const tiny = QGuiApplication::screens().back();
+    ASSERT_GT(moved.minimumHeight(), tiny->availableSize().height());
+
+    moved.windowHandle()->setScreen(tiny);
+    settle();
+
+    EXPECT_LE(moved.minimumWidth(), tiny->availableSize().width());
+    EXPECT_LE(moved.minimumHeight(), tiny->availableSize().height());
 }
 
 // What moved under the pointer would not be clicked.

@@ -43,11 +43,13 @@ public:
     void TearDown() override { m_application.reset(); }
 
 private:
-    // The smallest that the program is meant for.
+    // The smallest that the program is meant for, and one beside it on which nothing fits.
     void describeScreen()
     {
         ASSERT_TRUE(m_screen.open());
         m_screen.write(R"({"screens": [{"name": "small", "x": 0, "y": 0, "width": 1024, "height": 600, "logicalDpi": 96,
+                                        "logicalBaseDpi": 96, "dpr": 1},
+                                       {"name": "tiny", "x": 1024, "y": 0, "width": 320, "height": 160, "logicalDpi": 96,
                                         "logicalBaseDpi": 96, "dpr": 1}]})");
         m_screen.close();
     }

@@ -70,6 +70,15 @@ protected:
         return handled;
     }
 
+    void showEvent(QShowEvent* event) override
+    {
+        QWidget::showEvent(event);
+        if (!m_followed) {
+            m_followed = connect(windowHandle(), &QWindow::screenChanged, this, [this] { followDisplay(); });
+            followDisplay();
+        }
+    }
+
     void paintEvent(QPaintEvent* event) override
     {
         QWidget::paintEvent(event);
@@ -109,7 +118,19 @@ private:
     // What a window manager adds to the window, or, before it does, may add.
     [[nodiscard]] QSize decoration() const { return QSize(kFrameWidth, kFrameHeight).expandedTo(frameSize() - size()); }
 
+    // The room may become less, or another display's. Between two displays there may be none.
+    void followDisplay()
+    {
+        disconnect(m_room);
+        if (auto* const display = screen()) {
+            m_room = connect(display, &QScreen::availableGeometryChanged, this, [this] { fit(); });
+            fit();
+        }
+    }
+
     QtWindow* m_owner;
+    QMetaObject::Connection m_followed;
+    QMetaObject::Connection m_room;
 };
 
 QtWindow::QtWindow(std::shared_ptr<QtView> view, const QtSurroundings& surroundings,
