@@ -15,6 +15,7 @@ int main(int argc, char** argv)
     QWidget window;
     Ui::LoginViewController controls;
     controls.setupUi(&window);
+    // As the program makes its headings.
     QFont heading = controls.label1->font();
     heading.setPointSizeF(heading.pointSizeF() * 1.5);
     heading.setBold(true);
