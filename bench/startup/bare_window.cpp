@@ -3,6 +3,7 @@
 #include "ui_LoginViewController.h"
 
 #include <QApplication>
+#include <QPixmap>
 #include <QWidget>
 
 // The logo's picture. Resources of a static library have to be asked for, outside of any namespace.
@@ -15,6 +16,7 @@ int main(int argc, char** argv)
     QWidget window;
     Ui::LoginViewController controls;
     controls.setupUi(&window);
+    controls.logo->setPixmap(QPixmap(QStringLiteral(":/icons/vorrano-setup-64.png")));
     // As the program makes its headings.
     QFont heading = controls.label1->font();
     heading.setPointSizeF(heading.pointSizeF() * 1.5);

@@ -1,6 +1,9 @@
 """From the first window to the last, and every way to the end."""
+import contextlib
 import os
 import signal
+import socket
+import subprocess
 import termios
 
 from harness.firmware import PC_CONNECTED, answer, begin, expect_proceed_question, image_of, wait_for_upload
@@ -18,6 +21,46 @@ def LeavesQtsOwnOptionsToQt(world):
     field = world.program.field("Password")
     label = world.program.find("label", "Password")
     assert field.extents[0] < label.extents[0], (field.extents, label.extents)
+
+
+@contextlib.contextmanager
+def display_that_does_not_answer(folder):
+    """Takes connections, and says nothing."""
+    path = os.path.join(folder, "silent")
+    with socket.socket(socket.AF_UNIX) as server:
+        server.bind(path)
+        server.listen()
+        yield path
+
+
+def is_being_read(fifo):
+    try:
+        os.close(os.open(fifo, os.O_WRONLY | os.O_NONBLOCK))
+    except OSError:
+        return False
+    return True
+
+
+@situation(started=False)
+def ReadsTheFontsWhileItWaitsForTheDisplay(world):
+    fonts = os.path.join(world.folder, "fonts.conf")
+    os.mkfifo(fonts)
+    with display_that_does_not_answer(world.folder) as display:
+        program = subprocess.Popen([os.path.join(world.build, "vorrano-setup")],
+                                   env=dict(world.environment(), DISPLAY=display, FONTCONFIG_FILE=fonts))
+        try:
+            wait_for("the fonts to be read", lambda: is_being_read(fonts))
+        finally:
+            program.kill()
+            program.wait()
+
+
+def LoadsNoPlugInsToShowItsOwnIcon(world):
+    # Each of them has libraries of its own, and some computers have dozens.
+    world.program.button("Sign In")
+
+    with open("/proc/%d/maps" % world.program.pid, encoding="utf-8") as loaded:
+        assert "/imageformats/" not in loaded.read()
 
 
 def CancellingTheAgreementLeavesTheLoginAsItWas(world):

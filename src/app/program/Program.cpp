@@ -16,6 +16,7 @@
 #include "platform/posix/PosixSystemLog.h"
 #include "platform/posix/PosixTerminal.h"
 #include "platform/posix/StandardStreams.h"
+#include "platform/qt/FontReading.h"
 #include "platform/qt/QtAlerts.h"
 #include "platform/qt/QtApplication.h"
 #include "platform/qt/QtGate.h"
@@ -67,8 +68,11 @@ struct Desktop {
         , alerts(gate, layouts)
         , openPanel(gate, layouts)
         , pause(mainQueue, gate)
-    {}
+    {
+        fonts.wait();
+    }
 
+    qt::FontReading fonts;
     qt::QtApplication application;
     qt::QtMainQueue mainQueue;
     qt::QtGate gate;

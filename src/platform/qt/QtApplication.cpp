@@ -2,6 +2,7 @@
 
 #include "platform/Guarded.h"
 #include "platform/qt/ContrastStyle.h"
+#include "platform/qt/ProgramIcon.h"
 
 #include <QEvent>
 #include <QIcon>
@@ -24,7 +25,7 @@ QtApplication::QtApplication(int& argc, char** argv, platform::SystemLog& log)
     setDesktopFileName(QStringLiteral("vorrano-setup"));
     QIcon icon;
     for (const int side : {32, 64}) {
-        icon.addFile(QStringLiteral(":/icons/vorrano-setup-%1.png").arg(side), {side, side});
+        icon.addPixmap(programIcon(side));
     }
     setWindowIcon(icon);
 }

@@ -1,5 +1,6 @@
 #include "platform/qt/QtLayouts.h"
 
+#include "platform/qt/ProgramIcon.h"
 #include "platform/qt/QtAccessibility.h"
 #include "platform/qt/ScreenArea.h"
 
@@ -12,6 +13,7 @@
 #include "ui_WifiSetupViewController.h"
 
 #include <QCoreApplication>
+#include <QLabel>
 #include <QLineEdit>
 
 #include <algorithm>
@@ -75,6 +77,15 @@ void adaptToFont(const QWidget& root)
         }
         if (widget->property("square").toBool()) {
             widget->setFixedWidth(widget->sizeHint().height());
+        }
+    }
+}
+
+void showProgramIcon(const QWidget& root)
+{
+    for (auto* const label : root.findChildren<QLabel*>()) {
+        if (label->property("programIcon").toBool()) {
+            label->setPixmap(programIcon(qRound(label->maximumWidth() * label->devicePixelRatio())));
         }
     }
 }
@@ -147,6 +158,7 @@ std::shared_ptr<QtView> QtLayouts::load(std::string_view name) const
     auto root = std::make_unique<QWidget>();
     layoutNamed(name).setUp(root.get());
     adaptToFont(*root);
+    showProgramIcon(*root);
     keepPlaces(*root);
     makeRoomForPages(*root);
     return std::make_shared<QtView>(std::move(root), m_surroundings);
