@@ -20,9 +20,9 @@ std::optional<Break> breakOf(std::string_view name)
 
 bool Breaker::isTurn(Break what)
 {
-    constexpr std::uint64_t kOneInAThousand = 1000;
-    constexpr std::uint64_t kEverySecond = 2;
-    return what == m_what && ++m_count % (what == Break::DropEvaluation ? kEverySecond : kOneInAThousand) == 0;
+    static const std::map<Break, std::uint64_t> oneIn = {
+        {Break::DropEvaluation, 2}, {Break::DropRequest, 1000}, {Break::DropTimer, 100}, {Break::SwapSteps, 1000}};
+    return what == m_what && ++m_count % oneIn.at(what) == 0;
 }
 
 namespace {

@@ -138,11 +138,17 @@ TEST(Reply, IsNullWhenItIsLongerThan16MiB)
     EXPECT_TRUE(Reply::parsed(ofLength(kLongest + 1)).isNull());
 }
 
-class RepliesOfManyValues : public testing::TestWithParam<std::pair<const char*, std::string>> {};
+struct Value {
+    const char* kind;
+    std::string text;
+    std::size_t thatFit; // within the limit of memory, about
+};
+class RepliesOfManyValues : public testing::TestWithParam<Value> {};
 
 TEST_P(RepliesOfManyValues, AreNullWhenTheyWouldTakeTooMuchMemory)
 {
-    const auto& one = GetParam().second;
+    const auto& one = GetParam().text;
+    const auto fit = GetParam().thatFit;
     const auto many = [&](std::size_t count) {
         std::string body = "[" + one;
         for (std::size_t i = 1; i < count; ++i) {
@@ -151,15 +157,15 @@ TEST_P(RepliesOfManyValues, AreNullWhenTheyWouldTakeTooMuchMemory)
         return body + "]";
     };
 
-    EXPECT_FALSE(Reply::parsed(many(200'000)).isNull());
-    EXPECT_TRUE(Reply::parsed(many(2'200'000)).isNull());
+    EXPECT_FALSE(Reply::parsed(many(fit / 10)).isNull());
+    EXPECT_TRUE(Reply::parsed(many(fit + fit / 20)).isNull());
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, RepliesOfManyValues,
-                         testing::Values(std::pair("Numbers", "0"), std::pair("Arrays", "[]"),
-                                         std::pair("Objects", "{}"), std::pair("Keys", R"({"":0})"),
-                                         std::pair("Texts", R"("")")),
-                         [](const auto& given) { return given.param.first; });
+                         testing::Values(Value{"Numbers", "0", 2'100'000}, Value{"Arrays", "[]", 700'000},
+                                         Value{"Objects", "{}", 700'000}, Value{"Keys", R"({"":0})", 300'000},
+                                         Value{"Texts", R"("")", 840'000}),
+                         [](const auto& given) { return given.param.kind; });
 
 TEST(Reply, IsNullAtEachPlaceWhereItsBytesCanBeCut)
 {
