@@ -14,6 +14,7 @@
 #include "text/Text.h"
 #include "web/ServiceAddress.h"
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
 #include <utility>
@@ -170,8 +171,10 @@ void FirmwareUpdate::writeImage()
     sendImage(*image, {.write = [this](const std::string& character) { m_line.writeAwaitingAck(character); },
                        .pause =
                            [this] {
+                               // Showing the progress is a part of the pause.
+                               const auto end = m_pause.now() + kPauseAfterLine;
                                m_progress.nextLine();
-                               m_pause.pause(kPauseAfterLine);
+                               m_pause.pause(std::max(end - m_pause.now(), std::chrono::nanoseconds::zero()));
                            }});
 }
 

@@ -115,9 +115,16 @@ public:
 
 class FakeProgressBar : public FakeControl, public platform::ProgressBar {
 public:
-    void setProgress(std::size_t done, std::size_t all) override { progress = {done, all}; }
+    void setProgress(std::size_t done, std::size_t all) override
+    {
+        progress = {done, all};
+        if (draw) {
+            draw();
+        }
+    }
 
     std::pair<std::size_t, std::size_t> progress;
+    std::function<void()> draw;
 };
 
 class FakeTabView : public FakeControl, public platform::TabView {

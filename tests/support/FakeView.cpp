@@ -194,6 +194,11 @@ void FakeView::setTabs(std::string_view tabView, const std::vector<std::string>&
     });
 }
 
+void FakeView::setDrawing(std::string_view progressBar, std::function<void()> draw)
+{
+    obtain<FakeProgressBar>(progressBar).draw = std::move(draw);
+}
+
 std::string FakeView::text(std::string_view textField) const { return existing<FakeTextField>(textField).content; }
 
 std::string FakeView::labelText(std::string_view label) const { return existing<FakeLabel>(label).content; }

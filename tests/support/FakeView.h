@@ -47,6 +47,9 @@ public:
     void setItems(std::string_view popUpButton, const std::vector<std::string>& titles);
     void setTabs(std::string_view tabView, const std::vector<std::string>& labels);
 
+    // What drawing a new progress does.
+    void setDrawing(std::string_view progressBar, std::function<void()> draw);
+
     // What is on the screen. A name that nobody has used yet fails the test.
     [[nodiscard]] std::string text(std::string_view textField) const;
     [[nodiscard]] std::string labelText(std::string_view label) const;

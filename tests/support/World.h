@@ -36,6 +36,11 @@ public:
 
     // The clock goes on; everything that falls due runs at its exact time.
     void advance(Nanoseconds duration) { time.advance(duration); }
+    // What the main thread does takes this long.
+    void pass(Nanoseconds duration)
+    {
+        time.waitUntil([] { return false; }, time.now() + duration);
+    }
 
     // Does something in the test's name when the clock has gone on so far, also while the main thread waits.
     void later(Nanoseconds delay, Task task) { time.at(time.now() + delay, std::move(task)); }

@@ -141,6 +141,33 @@ TEST_F(UploadProgressOnTheScreen, TakesTheTimeThatIsLeftFromWhatTheLinesTookWhen
     EXPECT_EQ(seen[1].line, "Line 2 of 101, about 50 s left");
 }
 
+TEST_F(UploadProgressOnTheScreen, TakesItsTimeOutOfThePause)
+{
+    const TemporaryFile image("a\nb");
+    beginUpdate(image.path());
+    reply(">");
+    view().setDrawing(kBar, [this] { world.pass(30ms); });
+    const auto begin = world.now();
+
+    reply("U");
+
+    EXPECT_EQ(world.now() - begin, 2 * kLinePause);
+    EXPECT_EQ(line().writes().back().at - begin, kLinePause);
+}
+
+TEST_F(UploadProgressOnTheScreen, ThatTakesLongerThanThePauseLeavesNoneOfIt)
+{
+    const TemporaryFile image("a\nb");
+    beginUpdate(image.path());
+    reply(">");
+    view().setDrawing(kBar, [this] { world.pass(150ms); });
+    const auto begin = world.now();
+
+    reply("U");
+
+    EXPECT_EQ(world.now() - begin, 300ms);
+}
+
 TEST_F(UploadProgressOnTheScreen, IsGoneWhenTheUploadIsFinished)
 {
     const TemporaryFile image("a\nb");
