@@ -171,10 +171,10 @@ void FirmwareUpdate::writeImage()
     sendImage(*image, {.write = [this](const std::string& character) { m_line.writeAwaitingAck(character); },
                        .pause =
                            [this] {
-                               // Showing the progress is a part of the pause.
+                               // Showing the progress is a part of the pause; half of it is for the windows.
                                const auto end = m_pause.now() + kPauseAfterLine;
                                m_progress.nextLine();
-                               m_pause.pause(std::max(end - m_pause.now(), std::chrono::nanoseconds::zero()));
+                               m_pause.pause(std::max(end - m_pause.now(), kPauseAfterLine / 2));
                            }});
 }
 

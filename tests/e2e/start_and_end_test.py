@@ -9,8 +9,10 @@ import termios
 from harness.firmware import PC_CONNECTED, answer, begin, expect_proceed_question, image_of, wait_for_upload
 from harness.logind import logind
 from harness.screens import TABS, create_account, open_utilities, open_wifi_setup
-from harness.waiting import wait_for
+from harness.waiting import DEADLINE, wait_for
 from harness.world import situation
+
+FIRST_DISPLAY = 6000  # the port of a display is its number more
 
 
 @situation(started=False)
@@ -24,13 +26,11 @@ def LeavesQtsOwnOptionsToQt(world):
 
 
 @contextlib.contextmanager
-def display_that_does_not_answer(folder):
-    """Takes connections, and says nothing."""
-    path = os.path.join(folder, "silent")
-    with socket.socket(socket.AF_UNIX) as server:
-        server.bind(path)
-        server.listen()
-        yield path
+def display_that_does_not_answer():
+    """Its name, and a socket that takes connections."""
+    with socket.create_server(("127.0.0.1", 0)) as server:
+        server.settimeout(DEADLINE)
+        yield "127.0.0.1:%d" % (server.getsockname()[1] - FIRST_DISPLAY), server
 
 
 def is_being_read(fifo):
@@ -45,18 +45,21 @@ def is_being_read(fifo):
 def ReadsTheFontsWhileItWaitsForTheDisplay(world):
     fonts = os.path.join(world.folder, "fonts.conf")
     os.mkfifo(fonts)
-    with display_that_does_not_answer(world.folder) as display:
-        program = subprocess.Popen([os.path.join(world.build, "vorrano-setup")],
-                                   env=dict(world.environment(), DISPLAY=display, FONTCONFIG_FILE=fonts))
+    with display_that_does_not_answer() as (display, server):
+        environment = dict(world.environment(), DISPLAY=display, FONTCONFIG_FILE=fonts)
+        # The mocked devices' library lets one thread open a file at a time.
+        del environment["LD_PRELOAD"]
+        program = subprocess.Popen([os.path.join(world.build, "vorrano-setup")], env=environment)
         try:
-            wait_for("the fonts to be read", lambda: is_being_read(fonts))
+            with server.accept()[0]:
+                wait_for("the fonts to be read", lambda: is_being_read(fonts))
         finally:
             program.kill()
             program.wait()
 
 
 def LoadsNoPlugInsToShowItsOwnIcon(world):
-    # Each of them has libraries of its own, and some computers have dozens.
+    # Each plug-in loads further libraries, and a computer may have dozens of plug-ins.
     world.program.button("Sign In")
 
     with open("/proc/%d/maps" % world.program.pid, encoding="utf-8") as loaded:

@@ -12,7 +12,7 @@
 namespace vorrano::stress {
 
 // What is broken on purpose, to see that the account notices: every second first response test is dropped, one in a
-// thousand requests that are handed to the queue, one in a thousand deliveries of a timer; or one in a thousand steps
+// thousand requests that are handed to the queue, one in a hundred deliveries of a timer; or one in a thousand steps
 // changes places with the next one.
 enum class Break { Nothing, DropEvaluation, DropRequest, DropTimer, SwapSteps };
 

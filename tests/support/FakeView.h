@@ -47,7 +47,7 @@ public:
     void setItems(std::string_view popUpButton, const std::vector<std::string>& titles);
     void setTabs(std::string_view tabView, const std::vector<std::string>& labels);
 
-    // What drawing a new progress does.
+    // Called each time that the bar is given a new progress, in place of painting it.
     void setDrawing(std::string_view progressBar, std::function<void()> draw);
 
     // What is on the screen. A name that nobody has used yet fails the test.

@@ -36,7 +36,7 @@ public:
 
     // The clock goes on; everything that falls due runs at its exact time.
     void advance(Nanoseconds duration) { time.advance(duration); }
-    // What the main thread does takes this long.
+    // The clock goes on by this much while the main thread is busy; inside a task of the main thread.
     void pass(Nanoseconds duration)
     {
         time.waitUntil([] { return false; }, time.now() + duration);

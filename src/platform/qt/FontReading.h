@@ -4,12 +4,15 @@
 
 namespace vorrano::qt {
 
-// Reads the configuration of the computer's fonts on a thread of its own. Qt does it on the main thread when the first
-// text is laid out, where it takes a third of the start; now it is done while Qt connects to the display. What Qt asks
-// for meanwhile, as a theme may, is right nevertheless: it is read twice then.
+// Reads the configuration of the computer's fonts on a thread of its own, while Qt connects to the display. Otherwise
+// Qt reads it on the main thread when it lays out the first text, which takes a third of the start. If Qt needs it
+// earlier, as for some themes, Qt reads it itself; the result is the same.
 //
-// Threads: made, waited for and destroyed on the main thread. Lifetime: from before the application object until the
-// first text.
+// The reading looks into the environment. What Qt and the C library do there meanwhile, removing a variable, leaves
+// every other one in memory, so that nothing worse can come of it than a variable that is not found.
+//
+// Threads: made, waited for and destroyed on the main thread. Lifetime: made before the application object; wait()
+// comes before the first text.
 class FontReading {
 public:
     FontReading();

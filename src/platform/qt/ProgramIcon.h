@@ -4,10 +4,10 @@
 
 namespace vorrano::qt {
 
-// The program's icon, as the smallest of its pictures that is at least `side` pixels wide, or the largest.
+// The program's icon, `side` pixels wide: 32, 64 or 128.
 //
-// A picture that is read by its file's name has Qt load every plug-in for pictures that the computer has, as each might
-// know what is in the file. This one is a PNG, which Qt reads without any.
+// When a picture is read by its file's name alone, Qt loads all image plug-ins that are installed, and asks each
+// whether it can read the file. This one is said to be a PNG, which Qt reads without a plug-in.
 QPixmap programIcon(int side);
 
 } // namespace vorrano::qt

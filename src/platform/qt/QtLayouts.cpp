@@ -85,7 +85,8 @@ void showProgramIcon(const QWidget& root)
 {
     for (auto* const label : root.findChildren<QLabel*>()) {
         if (label->property("programIcon").toBool()) {
-            label->setPixmap(programIcon(qRound(label->maximumWidth() * label->devicePixelRatio())));
+            // The label makes it as small as it is: large enough for a dense display, too.
+            label->setPixmap(programIcon(128));
         }
     }
 }

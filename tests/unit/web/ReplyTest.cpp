@@ -141,14 +141,14 @@ TEST(Reply, IsNullWhenItIsLongerThan16MiB)
 struct Value {
     const char* kind;
     std::string text;
-    std::size_t thatFit; // within the limit of memory, about
+    std::size_t fit; // about how many the limit of memory allows
 };
 class RepliesOfManyValues : public testing::TestWithParam<Value> {};
 
 TEST_P(RepliesOfManyValues, AreNullWhenTheyWouldTakeTooMuchMemory)
 {
     const auto& one = GetParam().text;
-    const auto fit = GetParam().thatFit;
+    const auto fit = GetParam().fit;
     const auto many = [&](std::size_t count) {
         std::string body = "[" + one;
         for (std::size_t i = 1; i < count; ++i) {
@@ -157,7 +157,7 @@ TEST_P(RepliesOfManyValues, AreNullWhenTheyWouldTakeTooMuchMemory)
         return body + "]";
     };
 
-    EXPECT_FALSE(Reply::parsed(many(fit / 10)).isNull());
+    EXPECT_FALSE(Reply::parsed(many(200'000)).isNull());
     EXPECT_TRUE(Reply::parsed(many(fit + fit / 20)).isNull());
 }
 
