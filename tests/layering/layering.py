@@ -32,7 +32,8 @@ ALLOWED = {
     "ctl/program": None,
 }
 # What the adapters are made of; nobody else may know it.
-FOREIGN = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*|asio(/|\.hpp).*|curl/.*|fontconfig/.*|libudev\.h|libmnl/.*|linux/.*|dbus/.*)$")
+FOREIGN = re.compile(r"^(Q[A-Z]\w*|Qt\w*/.*|asio(/|\.hpp).*|curl/.*|fontconfig/.*|libudev\.h|libmnl/.*|linux/.*|"
+                     r"dbus/.*)$")
 # The folders of the logic that know a library.
 JSON_FOLDERS = ("web", "ctl")
 PROGRAMS = ("app", "ctl/program")
