@@ -138,12 +138,17 @@ TEST(Reply, IsNullWhenItIsLongerThan16MiB)
     EXPECT_TRUE(Reply::parsed(ofLength(kLongest + 1)).isNull());
 }
 
+namespace {
+
 struct Value {
     const char* kind;
     std::string text;
     std::size_t fit; // about how many the limit of memory allows
 };
+
 class RepliesOfManyValues : public testing::TestWithParam<Value> {};
+
+} // namespace
 
 TEST_P(RepliesOfManyValues, AreNullWhenTheyWouldTakeTooMuchMemory)
 {
