@@ -51,7 +51,10 @@ void RequestQueue::takeChunk()
     sendNextRequestIfDue();
     {
         const platform::MutexLock lock(m_chunksMutex);
-        m_receiveBuffer += m_chunks.front();
+        // Nobody would see what comes while no request waits: the next one starts with an empty buffer.
+        if (m_pendingRequest) {
+            m_receiveBuffer += m_chunks.front();
+        }
         m_chunks.pop_front();
     }
     checkResponseToPendingRequestAndContinueIfValid();

@@ -1,11 +1,23 @@
 #include "unit/serial/SerialPortFixture.h"
 
+#include <cstddef>
 #include <map>
 #include <utility>
+
+#include <malloc.h>
 
 namespace vorrano::serial {
 
 namespace {
+
+constexpr std::size_t kManyBytes = 4UL << 20;
+
+// What is in use. A sanitizer has a heap of its own, of which nothing shows here.
+std::size_t bytesOnTheHeap()
+{
+    const auto heap = ::mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+}
 
 class QueueOfRequests : public SerialPortFixture {
 protected:
@@ -284,6 +296,20 @@ TEST_F(QueueOfRequests, ReportsBytesReceivedWhileIdleAndDiscardsThemWhenTheNextR
     world.run();
 
     EXPECT_THAT(delegate->heard("response"), ElementsAre("response new!"));
+}
+
+// A device may write whatever and as long as it likes while nobody has asked it.
+TEST_F(QueueOfRequests, KeepsNoBytesThatNoRequestWaitsFor)
+{
+    openQuietly();
+    port->setDelegate({});
+    const auto heldBefore = bytesOnTheHeap();
+
+    line.reply(std::string(kManyBytes, 'x'));
+    world.run();
+    world.terminal.forgetCalls();
+
+    EXPECT_LT(bytesOnTheHeap(), heldBefore + kManyBytes / 2);
 }
 
 TEST_F(QueueOfRequests, EmptiesTheBufferOnlyWhenARequestStarts)
