@@ -1,6 +1,7 @@
 """From the first window to the last, and every way to the end."""
 import contextlib
 import os
+import pathlib
 import signal
 import socket
 import subprocess
@@ -64,6 +65,15 @@ def LoadsNoPlugInsToShowItsOwnIcon(world):
 
     with open("/proc/%d/maps" % world.program.pid, encoding="utf-8") as loaded:
         assert "/imageformats/" not in loaded.read()
+
+
+def StartsNoThreadsToPaintItsWindow(world):
+    # Without a window manager, as here, the program draws a line around its windows.
+    world.program.press("Create Account")
+    world.program.find("push button", "Accept")
+
+    names = [path.read_text() for path in pathlib.Path("/proc/%d/task" % world.program.pid).glob("*/comm")]
+    assert names and not any("pooled" in name for name in names), names
 
 
 def CancellingTheAgreementLeavesTheLoginAsItWas(world):

@@ -1,5 +1,7 @@
 #include "platform/qt/ContrastStyle.h"
 
+#include "platform/qt/Colours.h"
+
 #include <QPainter>
 #include <QStyleOption>
 
@@ -45,13 +47,6 @@ double contrast(const QColor& one, const QColor& other)
 {
     const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
-}
-
-QColor mixed(const QColor& colour, const QColor& ground, float share)
-{
-    const auto part = [share](float of, float with) { return with + (of - with) * share; };
-    return QColor::fromRgbF(part(colour.redF(), ground.redF()), part(colour.greenF(), ground.greenF()),
-                            part(colour.blueF(), ground.blueF()));
 }
 
 bool leavesAllToFrames(const QPalette& palette)

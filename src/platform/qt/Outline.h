@@ -1,6 +1,9 @@
 #pragma once
 
+#include "platform/qt/Colours.h"
+
 #include <QPainter>
+#include <QPalette>
 #include <QWidget>
 
 namespace vorrano::qt {
@@ -10,9 +13,9 @@ inline void outlineUnlessFramed(QWidget& window)
 {
     if (window.frameGeometry() == window.geometry()) {
         QPainter painter(&window);
-        QColor colour = window.palette().color(QPalette::WindowText);
-        colour.setAlphaF(0.5F);
-        painter.setPen(colour);
+        const QPalette& palette = window.palette();
+        // A transparent colour would do as well; but Qt blends a long line of one on threads, which it starts for that.
+        painter.setPen(mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.5F));
         painter.drawRect(window.rect().adjusted(0, 0, -1, -1));
     }
 }
