@@ -5,7 +5,7 @@
 #include <asio/dispatch.hpp>
 #include <asio/post.hpp>
 
-#include <semaphore>
+#include <future>
 #include <stdexcept>
 #include <utility>
 
@@ -22,13 +22,10 @@ struct Step {
 };
 
 // The same, for a caller that waits. The wait ends when the step is destroyed, whether the task ran or was dropped; the
-// task is destroyed before that.
+// task is destroyed before that. A semaphore of the standard library would look again and again before it sleeps, on a
+// processor that the task may need.
 struct AwaitedStep {
-    struct Release {
-        void operator()(std::binary_semaphore* waiter) const { waiter->release(); }
-    };
-
-    std::unique_ptr<std::binary_semaphore, Release> gone;
+    std::promise<void> gone;
     Step step;
 
     void operator()() { step(); }
@@ -62,9 +59,10 @@ void AsioSerialQueue::sync(platform::Task task)
     if (m_strand.running_in_this_thread()) {
         throw std::logic_error("a task of a serial queue waits for its own queue");
     }
-    std::binary_semaphore gone(0);
-    asio::post(m_strand, AwaitedStep{decltype(AwaitedStep::gone)(&gone), {m_pool, std::move(task)}});
-    gone.acquire();
+    std::promise<void> promise;
+    const auto gone = promise.get_future();
+    asio::post(m_strand, AwaitedStep{std::move(promise), {m_pool, std::move(task)}});
+    gone.wait();
 }
 
 std::shared_ptr<platform::Timer> AsioSerialQueue::makeTimer(platform::TimerSchedule schedule, platform::Task handler)
