@@ -24,6 +24,7 @@
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -147,10 +148,13 @@ void idle(Port& own, const BarePoll& bare, Figures& figures)
 }
 
 // All at the line's pace at once: each exchange, and the longest of all.
-void many(OwnSystem& system, const std::vector<std::unique_ptr<EchoDevice>>& devices, Figures& figures)
+using MakePort = std::function<std::unique_ptr<Port>(const std::string& node)>;
+
+void many(const char* who, const MakePort& makePort, const std::vector<std::unique_ptr<EchoDevice>>& devices,
+          Figures& figures)
 {
     struct Member {
-        std::unique_ptr<OwnPort> port;
+        std::unique_ptr<Port> port;
         steady_clock::time_point asked;
         Microseconds longest{};
     };
@@ -160,11 +164,11 @@ void many(OwnSystem& system, const std::vector<std::unique_ptr<EchoDevice>>& dev
     bool all = true;
     for (std::size_t i = 0; i < members.size(); ++i) {
         auto& member = members[i];
-        member.port = std::make_unique<OwnPort>(system, devices[i]->node());
+        member.port = makePort(devices[i]->node());
         open(*member.port);
         member.port->onReply([&] {
             const Microseconds waited = steady_clock::now() - member.asked;
-            figures.add("64 ports, exchange", "vorrano", "us", waited.count());
+            figures.add("64 ports, exchange", who, "us", waited.count());
             member.longest = std::max(member.longest, waited);
             member.asked = steady_clock::now();
         });
@@ -188,7 +192,7 @@ void many(OwnSystem& system, const std::vector<std::unique_ptr<EchoDevice>>& dev
     for (const auto& member : members) {
         longest = std::max(longest, member.longest);
     }
-    figures.add("64 ports, longest exchange of all", "vorrano", "us", longest.count());
+    figures.add("64 ports, longest exchange of all", who, "us", longest.count());
 }
 
 int measure(int argc, char** argv)
@@ -231,7 +235,10 @@ int measure(int argc, char** argv)
     OwnPort own(system, ownDevice.node());
     idle(own, BarePoll(qtDevice.node()), figures);
     for (int run = 0; run < kRuns; ++run) {
-        many(system, devices, figures);
+        many(
+            "vorrano", [&](const auto& node) { return std::make_unique<OwnPort>(system, node); }, devices, figures);
+        many(
+            "Qt", [](const auto& node) { return std::make_unique<QtPort>(node); }, devices, figures);
     }
     figures.print();
     return 0;
