@@ -147,9 +147,9 @@ void idle(Port& own, const BarePoll& bare, Figures& figures)
     }
 }
 
-// All at the line's pace at once: each exchange, and the longest of all.
 using MakePort = std::function<std::unique_ptr<Port>(const std::string& node)>;
 
+// All at the line's pace at once: each exchange, and the longest of all.
 void many(const char* who, const MakePort& makePort, const std::vector<std::unique_ptr<EchoDevice>>& devices,
           Figures& figures)
 {
@@ -234,11 +234,11 @@ int measure(int argc, char** argv)
     stream(system, ownDevice, posixDevice, asioDevice, figures);
     OwnPort own(system, ownDevice.node());
     idle(own, BarePoll(qtDevice.node()), figures);
+    const auto makeOwn = [&](const auto& node) { return std::make_unique<OwnPort>(system, node); };
+    const auto makeQt = [](const auto& node) { return std::make_unique<QtPort>(node); };
     for (int run = 0; run < kRuns; ++run) {
-        many(
-            "vorrano", [&](const auto& node) { return std::make_unique<OwnPort>(system, node); }, devices, figures);
-        many(
-            "Qt", [](const auto& node) { return std::make_unique<QtPort>(node); }, devices, figures);
+        many("vorrano", makeOwn, devices, figures);
+        many("Qt", makeQt, devices, figures);
     }
     figures.print();
     return 0;
