@@ -52,6 +52,15 @@ Cost costOfExchanges(Port& port, char request, int times)
     return costOfWork(port, [&](Done done) { port.exchange(request, times, std::move(done)); });
 }
 
+Cost costOfSlice(Port& port, char request, int times)
+{
+    open(port);
+    static_cast<void>(costOfExchanges(port, request, 1));
+    const auto cost = costOfExchanges(port, request, times);
+    port.close();
+    return cost;
+}
+
 Cost costOfStream(StreamPort& port)
 {
     return costOfWork(port, [&](Done done) { port.receiveStream(std::move(done)); });

@@ -21,6 +21,10 @@ struct Cost {
 [[nodiscard]] Cost costOfExchanges(Port& port, char request, int times);
 [[nodiscard]] Cost costOfStream(StreamPort& port);
 
+// The port is open for these exchanges alone, and has made one before: what this process does for an open port, such as
+// our look at the modem lines, would count for every other port that is measured meanwhile.
+[[nodiscard]] Cost costOfSlice(Port& port, char request, int times);
+
 // std::runtime_error when it does not open.
 void open(Port& port);
 

@@ -62,26 +62,18 @@ using Competitors = std::vector<Competitor>;
 
 void exchangeByTurns(const Competitors& competitors, const Pace& pace, Figures& figures)
 {
-    for (const auto& competitor : competitors) {
-        if (!competitor.port->open()) {
-            throw std::runtime_error(competitor.name + " does not open its port");
-        }
-    }
     const double exchanges = pace.slices * pace.exchangesEach;
     for (int run = 0; run < kRuns; ++run) {
         std::vector<Cost> costs(competitors.size());
         for (int slice = 0; slice < pace.slices; ++slice) {
             for (std::size_t i = 0; i < competitors.size(); ++i) {
-                costs[i] += costOfExchanges(*competitors[i].port, pace.request, pace.exchangesEach);
+                costs[i] += costOfSlice(*competitors[i].port, pace.request, pace.exchangesEach);
             }
         }
         for (std::size_t i = 0; i < competitors.size(); ++i) {
             figures.add(std::string(pace.row) + ", time", competitors[i].name, "us", costs[i].time.count() / exchanges);
             figures.add(std::string(pace.row) + ", CPU", competitors[i].name, "us", costs[i].cpu.count() / exchanges);
         }
-    }
-    for (const auto& competitor : competitors) {
-        competitor.port->close();
     }
 }
 

@@ -61,16 +61,14 @@ struct Ratios {
 // Medians of ours over Qt's.
 Ratios compare(Port& own, Port& qt, char request, int slices, int exchangesEach)
 {
-    open(own);
-    open(qt);
     std::array<double, kRuns> timeRatios{};
     std::array<double, kRuns> cpuRatios{};
     for (std::size_t run = 0; run < kRuns; ++run) {
         Cost ours;
         Cost theirs;
         for (int i = 0; i < slices; ++i) {
-            ours += costOfExchanges(own, request, exchangesEach);
-            theirs += costOfExchanges(qt, request, exchangesEach);
+            ours += costOfSlice(own, request, exchangesEach);
+            theirs += costOfSlice(qt, request, exchangesEach);
         }
         timeRatios[run] = ours.time / theirs.time;
         cpuRatios[run] = ours.cpu / theirs.cpu;
@@ -79,8 +77,6 @@ Ratios compare(Port& own, Port& qt, char request, int slices, int exchangesEach)
                     ours.time.count() / exchanges, theirs.time.count() / exchanges, ours.cpu.count() / exchanges,
                     theirs.cpu.count() / exchanges);
     }
-    own.close();
-    qt.close();
     return {median(timeRatios), median(cpuRatios)};
 }
 
