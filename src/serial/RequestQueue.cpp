@@ -51,7 +51,7 @@ void RequestQueue::takeChunk()
     sendNextRequestIfDue();
     {
         const platform::MutexLock lock(m_chunksMutex);
-        // Nobody would see what comes while no request waits: the next one starts with an empty buffer.
+        // Without a pending request nobody looks at the buffer, and the next request starts with an empty one.
         if (m_pendingRequest) {
             m_receiveBuffer += m_chunks.front();
         }

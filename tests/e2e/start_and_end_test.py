@@ -1,7 +1,6 @@
 """From the first window to the last, and every way to the end."""
 import contextlib
 import os
-import pathlib
 import signal
 import socket
 import subprocess
@@ -69,11 +68,10 @@ def LoadsNoPlugInsToShowItsOwnIcon(world):
 
 def StartsNoThreadsToPaintItsWindow(world):
     # Without a window manager, as here, the program draws a line around its windows.
-    world.program.press("Create Account")
-    world.program.find("push button", "Accept")
+    wait_for("the window to be painted", lambda: world.display.colours() > 1)
 
-    names = [path.read_text() for path in pathlib.Path("/proc/%d/task" % world.program.pid).glob("*/comm")]
-    assert names and not any("pooled" in name for name in names), names
+    names = world.program.thread_names()
+    assert "vorrano-setup" in names and not any("pooled" in name for name in names), names
 
 
 def CancellingTheAgreementLeavesTheLoginAsItWas(world):

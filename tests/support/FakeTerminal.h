@@ -69,7 +69,7 @@ public:
     // The texts of the calls, for one comparison; of these kinds only.
     [[nodiscard]] std::vector<std::string> callTexts() const;
     [[nodiscard]] std::vector<std::string> callTexts(std::initializer_list<TerminalCall> kinds) const;
-    void forgetCalls() { m_calls.clear(); }
+    void forgetCalls() { m_calls = {}; }
 
     // Numbers that are open, and numbers that are not free (open, or closed and not released).
     [[nodiscard]] std::size_t openDescriptors() const;

@@ -21,9 +21,9 @@ struct Step {
     void operator()() const { pool->run(task); }
 };
 
-// The same, for a caller that waits. The wait ends when the step is destroyed, whether the task ran or was dropped; the
-// task is destroyed before that. A semaphore of the standard library would look again and again before it sleeps, on a
-// processor that the task may need.
+// The same, for a caller that waits. The promise is never kept: its end ends the wait, and comes when the step is
+// destroyed, whether the task ran or was dropped. The task is destroyed before that. A semaphore of the standard
+// library would look again and again before it sleeps, on a processor that the task may need.
 struct AwaitedStep {
     std::promise<void> gone;
     Step step;

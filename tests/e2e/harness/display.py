@@ -40,6 +40,13 @@ class Display:
         os.makedirs(os.path.dirname(path), exist_ok=True)
         subprocess.run(["import", "-display", self.name, "-window", "root", path], check=True)
 
+    def colours(self):
+        """How many there are to be seen; one while nothing is painted."""
+        picture = subprocess.run(["import", "-display", self.name, "-window", "root", "png:-"], check=True,
+                                 stdout=subprocess.PIPE).stdout
+        return int(subprocess.run(["identify", "-format", "%k", "-"], input=picture, check=True,
+                                  stdout=subprocess.PIPE).stdout)
+
     def keys(self, *keys):
         """Presses keys as a person at the keyboard does; each is a name of xdotool's ("Tab", "alt+s")."""
         subprocess.run(["xdotool", "key", "--clearmodifiers", *keys], check=True)

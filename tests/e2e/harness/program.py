@@ -172,3 +172,15 @@ class Program:
             except OSError:
                 continue
         return links
+
+    def thread_names(self):
+        folder = "/proc/%d/task" % self.pid
+        names = []
+        for thread in os.listdir(folder):
+            try:
+                with open(os.path.join(folder, thread, "comm"), encoding="utf-8") as name:
+                    names.append(name.read().strip())
+            except OSError:
+                # It has ended.
+                continue
+        return names

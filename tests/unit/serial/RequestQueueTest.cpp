@@ -298,7 +298,7 @@ TEST_F(QueueOfRequests, ReportsBytesReceivedWhileIdleAndDiscardsThemWhenTheNextR
     EXPECT_THAT(delegate->heard("response"), ElementsAre("response new!"));
 }
 
-// A device may write whatever and as long as it likes while nobody has asked it.
+// A device may write whatever and as long as it likes while no request is pending.
 TEST_F(QueueOfRequests, KeepsNoBytesThatNoRequestWaitsFor)
 {
     openQuietly();
