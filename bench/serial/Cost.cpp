@@ -49,14 +49,12 @@ Cost costOf(const Port& port, const std::function<void()>& wait)
 
 Cost costOfExchanges(Port& port, char request, int times)
 {
-    return costOfWork(port, [&](Done done) { port.exchange(request, times, std::move(done)); });
-}
-
-Cost costOfSlice(Port& port, char request, int times)
-{
+    const auto measure = [&](int exchanges) {
+        return costOfWork(port, [&](Done done) { port.exchange(request, exchanges, std::move(done)); });
+    };
     open(port);
-    static_cast<void>(costOfExchanges(port, request, 1));
-    const auto cost = costOfExchanges(port, request, times);
+    measure(1);
+    const auto cost = measure(times);
     port.close();
     return cost;
 }

@@ -18,12 +18,11 @@ struct Cost {
 [[nodiscard]] Cost costOf(const Port& port, const std::function<void()>& wait);
 
 // Of these the main loop runs until the port is done. std::runtime_error when something is not answered, or wrongly.
+//
+// The port is open for its exchanges alone, and makes one more before them: what this process does for an open port,
+// such as our look at the modem lines, would count for every other port that is measured meanwhile.
 [[nodiscard]] Cost costOfExchanges(Port& port, char request, int times);
 [[nodiscard]] Cost costOfStream(StreamPort& port);
-
-// The port is open for these exchanges alone, and has made one before: what this process does for an open port, such as
-// our look at the modem lines, would count for every other port that is measured meanwhile.
-[[nodiscard]] Cost costOfSlice(Port& port, char request, int times);
 
 // std::runtime_error when it does not open.
 void open(Port& port);

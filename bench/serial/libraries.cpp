@@ -67,7 +67,7 @@ void exchangeByTurns(const Competitors& competitors, const Pace& pace, Figures& 
         std::vector<Cost> costs(competitors.size());
         for (int slice = 0; slice < pace.slices; ++slice) {
             for (std::size_t i = 0; i < competitors.size(); ++i) {
-                costs[i] += costOfSlice(*competitors[i].port, pace.request, pace.exchangesEach);
+                costs[i] += costOfExchanges(*competitors[i].port, pace.request, pace.exchangesEach);
             }
         }
         for (std::size_t i = 0; i < competitors.size(); ++i) {

@@ -67,8 +67,8 @@ Ratios compare(Port& own, Port& qt, char request, int slices, int exchangesEach)
         Cost ours;
         Cost theirs;
         for (int i = 0; i < slices; ++i) {
-            ours += costOfSlice(own, request, exchangesEach);
-            theirs += costOfSlice(qt, request, exchangesEach);
+            ours += costOfExchanges(own, request, exchangesEach);
+            theirs += costOfExchanges(qt, request, exchangesEach);
         }
         timeRatios[run] = ours.time / theirs.time;
         cpuRatios[run] = ours.cpu / theirs.cpu;
