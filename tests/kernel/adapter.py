@@ -1,5 +1,6 @@
 """A USB serial adapter of a real kernel that writes down what arrives at it."""
 import struct
+import subprocess
 
 from usb_adapter import FtdiAdapter
 
@@ -9,6 +10,13 @@ SLOW = 60.0
 VENDORS_OWN, SET_FLOW_CONTROL = 0x40, 2
 FLOW_CONTROLS = {0: "none", 1: "RTS/CTS"}
 BYTES_FOR_THE_LINE = 2
+
+
+def node_of(adapter):
+    """Its node, once udev has done its work on it, which is a little after the node is there."""
+    node = adapter.node(SLOW)
+    subprocess.run(["udevadm", "wait", "--timeout=%d" % SLOW, node], check=True)
+    return node
 
 
 class Adapter(FtdiAdapter):

@@ -3,7 +3,7 @@ import os
 import threading
 import tty
 
-from adapter import SLOW
+from adapter import node_of
 from usb_adapter import FtdiAdapter
 
 
@@ -16,9 +16,9 @@ class Cable:
         self.events = []
 
     def plug(self):
-        """Plugs it in; gives its node once the kernel has made it."""
+        """Plugs it in; gives its node once udev has done its work on it."""
         self.push_in()
-        return self.adapter.node(SLOW)
+        return node_of(self.adapter)
 
     def push_in(self):
         node = self._vorrano.do("plug")["node"]

@@ -1,8 +1,9 @@
 """What one case of the serial layer happens in: an adapter, and a port on it that is closed as yet."""
 import contextlib
 import os
+import subprocess
 
-from adapter import SLOW, Adapter
+from adapter import SLOW, Adapter, node_of
 from harness.waiting import wait_for
 from probe import Probe
 
@@ -30,7 +31,7 @@ class World:
 
     def _plug(self):
         self.adapter.plug()
-        return self.adapter.node(SLOW)
+        return node_of(self.adapter)
 
     def plug_again(self):
         self.adapter = Adapter()
@@ -46,6 +47,8 @@ class World:
         status = self.probe.end()
         self.adapter.unplug()
         wait_for("%s to go" % self.node, lambda: not os.path.exists(self.node), SLOW)
+        # udev still knows the adapter then; the next one has the same node.
+        subprocess.run(["udevadm", "settle"], check=True)
         assert status == 0, "the probe ended with %d" % status
 
 

@@ -44,7 +44,7 @@ class Administrator:
         self._cable = Cable(Simulator(os.path.join(build, "vorrano-simulator"), folder, plugged=False))
 
     def plug(self):
-        """Gives the adapter's node, once udev has done its work on it."""
+        """Gives the adapter's node, once the person's rights to it have been set too."""
         node = self._cable.plug()
         subprocess.run(["udevadm", "settle"], check=True)
         return node
