@@ -10,6 +10,16 @@
 
 namespace vorrano::bench {
 
+void pollModemLines(int line, const std::function<bool()>& goesOn)
+{
+    const timespec interval{0, 10'000'000};
+    while (goesOn()) {
+        ::nanosleep(&interval, nullptr);
+        int lines = 0;
+        ::ioctl(line, TIOCMGET, &lines);
+    }
+}
+
 BarePoll::BarePoll(const std::string& node)
     : m_line(::open(node.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC))
 {
@@ -22,13 +32,8 @@ BarePoll::~BarePoll() { ::close(m_line); }
 
 void BarePoll::poll(std::chrono::milliseconds time) const
 {
-    const timespec interval{0, 10'000'000};
     const auto end = std::chrono::steady_clock::now() + time;
-    while (std::chrono::steady_clock::now() < end) {
-        ::nanosleep(&interval, nullptr);
-        int lines = 0;
-        ::ioctl(m_line, TIOCMGET, &lines);
-    }
+    pollModemLines(m_line, [end] { return std::chrono::steady_clock::now() < end; });
 }
 
 } // namespace vorrano::bench

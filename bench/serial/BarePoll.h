@@ -1,9 +1,13 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 namespace vorrano::bench {
+
+// Reads the modem lines every ten milliseconds while goesOn() is true.
+void pollModemLines(int line, const std::function<bool()>& goesOn);
 
 // The least that a poll of the modem lines can cost here: one thread that sleeps ten milliseconds, reads the lines, and
 // does nothing else. What this computer charges for waking up a hundred times a second is in it.

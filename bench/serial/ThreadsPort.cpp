@@ -1,5 +1,6 @@
 #include "ThreadsPort.h"
 
+#include "BarePoll.h"
 #include "EchoDevice.h"
 #include "PosixPort.h"
 
@@ -8,6 +9,7 @@
 #include <utility>
 
 #include <poll.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 namespace vorrano::bench {
@@ -15,8 +17,23 @@ namespace vorrano::bench {
 namespace {
 
 constexpr int kRound = 100; // milliseconds
+constexpr std::chrono::nanoseconds kPollLeeway = std::chrono::milliseconds(5);
 
 } // namespace
+
+void ThreadsPort::Signal::give()
+{
+    const std::lock_guard lock(m_mutex);
+    m_isGiven = true;
+    m_given.notify_one();
+}
+
+void ThreadsPort::Signal::wait()
+{
+    std::unique_lock lock(m_mutex);
+    m_given.wait(lock, [this] { return m_isGiven; });
+    m_isGiven = false;
+}
 
 ThreadsPort::ThreadsPort(std::string node)
     : m_node(std::move(node))
@@ -36,6 +53,7 @@ bool ThreadsPort::open()
     m_isOpen = true;
     m_reader = std::thread([this] { readLine(); });
     m_writer = std::thread([this] { writeRequests(); });
+    m_poller = std::thread([this] { pollLines(); });
     return true;
 }
 
@@ -44,9 +62,10 @@ void ThreadsPort::close()
     if (!m_isOpen.exchange(false)) {
         return;
     }
-    m_requested.release();
+    m_requested.give();
     m_reader.join();
     m_writer.join();
+    m_poller.join();
     ::close(std::exchange(m_line, -1));
 }
 
@@ -64,37 +83,33 @@ void ThreadsPort::next()
         m_done(true);
         return;
     }
-    m_received = 0;
     m_timeout.start(std::chrono::seconds(2));
-    m_requested.release();
-    m_written.acquire();
+    m_requested.give();
+    m_written.wait();
 }
 
-void ThreadsPort::take(std::size_t count)
+void ThreadsPort::take()
 {
-    m_received += count;
-    if (m_received >= kReplyLength) {
-        m_timeout.stop();
-        --m_left;
-        replied();
-        next();
-    }
+    m_timeout.stop();
+    --m_left;
+    replied();
+    next();
 }
 
 void ThreadsPort::readLine()
 {
     std::array<char, 1024> chunk;
+    std::size_t received = 0;
     while (m_isOpen) {
         pollfd wait{m_line, POLLIN, 0};
         if (::poll(&wait, 1, kRound) <= 0) {
             continue;
         }
         const auto count = ::read(m_line, chunk.data(), chunk.size());
-        if (count > 0) {
-            QMetaObject::invokeMethod(
-                &m_mainThread,
-                [this, bytes = std::string(chunk.data(), static_cast<std::size_t>(count))] { take(bytes.size()); },
-                Qt::QueuedConnection);
+        received += count > 0 ? static_cast<std::size_t>(count) : 0;
+        if (received >= kReplyLength) {
+            received = 0;
+            QMetaObject::invokeMethod(&m_mainThread, [this] { take(); }, Qt::QueuedConnection);
         }
     }
 }
@@ -102,15 +117,21 @@ void ThreadsPort::readLine()
 void ThreadsPort::writeRequests()
 {
     while (true) {
-        m_requested.acquire();
+        m_requested.wait();
         if (!m_isOpen) {
             return;
         }
         const char request = m_request;
         // What was not written is not answered.
         [[maybe_unused]] const auto count = ::write(m_line, &request, 1);
-        m_written.release();
+        m_written.give();
     }
+}
+
+void ThreadsPort::pollLines() const
+{
+    ::prctl(PR_SET_TIMERSLACK, kPollLeeway.count(), 0, 0, 0);
+    pollModemLines(m_line, [this] { return m_isOpen.load(); });
 }
 
 } // namespace vorrano::bench

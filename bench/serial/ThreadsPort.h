@@ -6,14 +6,15 @@
 #include <QTimer>
 
 #include <atomic>
-#include <semaphore>
+#include <condition_variable>
+#include <mutex>
 #include <string>
 #include <thread>
 
 namespace vorrano::bench {
 
-// The floor of a port that neither reads nor writes on the main thread: a thread that writes while the sender waits, a
-// thread that reads and posts each chunk to the main loop, a time-out, and nothing else.
+// The floor of a port with our threads: one that writes while the sender waits, one that reads until the reply is whole
+// and wakes the main loop once for it, one that looks at the modem lines every 10 ms, a time-out, and nothing else.
 class ThreadsPort final : public Port {
 public:
     explicit ThreadsPort(std::string node);
@@ -24,24 +25,37 @@ public:
     void exchange(char request, int times, std::function<void(bool)> done) override;
 
 private:
+    // Sleeps at once, where a semaphore of the standard library looks again and again first.
+    class Signal {
+    public:
+        void give();
+        void wait();
+
+    private:
+        std::mutex m_mutex;
+        std::condition_variable m_given;
+        bool m_isGiven = false;
+    };
+
     void next();
-    void take(std::size_t count);
+    void take();
     void readLine();
     void writeRequests();
+    void pollLines() const;
 
     const std::string m_node;
     int m_line = -1;
     QObject m_mainThread;
     QTimer m_timeout;
-    std::size_t m_received = 0;
     int m_left = 0;
     std::function<void(bool)> m_done;
     std::atomic<bool> m_isOpen = false;
     std::atomic<char> m_request = 0;
-    std::binary_semaphore m_requested{0};
-    std::binary_semaphore m_written{0};
+    Signal m_requested;
+    Signal m_written;
     std::thread m_reader;
     std::thread m_writer;
+    std::thread m_poller;
 };
 
 } // namespace vorrano::bench

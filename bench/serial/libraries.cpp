@@ -228,9 +228,11 @@ int measure(int argc, char** argv)
     idle(own, BarePoll(qtDevice.node()), figures);
     const auto makeOwn = [&](const auto& node) { return std::make_unique<OwnPort>(system, node); };
     const auto makeQt = [](const auto& node) { return std::make_unique<QtPort>(node); };
+    const auto makeThreads = [](const auto& node) { return std::make_unique<ThreadsPort>(node); };
     for (int run = 0; run < kRuns; ++run) {
         many("vorrano", makeOwn, devices, figures);
         many("Qt", makeQt, devices, figures);
+        many("bare threads", makeThreads, devices, figures);
     }
     figures.print();
     return 0;
