@@ -109,7 +109,8 @@ void ThreadsPort::readLine()
         received += count > 0 ? static_cast<std::size_t>(count) : 0;
         if (received >= kReplyLength) {
             received = 0;
-            QMetaObject::invokeMethod(&m_mainThread, [this] { take(); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                &m_mainThread, [this] { take(); }, Qt::QueuedConnection);
         }
     }
 }
