@@ -6,7 +6,7 @@
 
 namespace vorrano::bench {
 
-// Reads the modem lines every ten milliseconds while goesOn() is true.
+// Reads the modem lines every ten milliseconds while goesOn() is true. Blocks the calling thread.
 void pollModemLines(int line, const std::function<bool()>& goesOn);
 
 // The least that a poll of the modem lines can cost here: one thread that sleeps ten milliseconds, reads the lines, and

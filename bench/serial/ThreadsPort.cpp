@@ -17,6 +17,7 @@ namespace vorrano::bench {
 namespace {
 
 constexpr int kRound = 100; // milliseconds
+// As long as that of our port's poll.
 constexpr std::chrono::nanoseconds kPollLeeway = std::chrono::milliseconds(5);
 
 } // namespace

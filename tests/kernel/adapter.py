@@ -13,7 +13,7 @@ BYTES_FOR_THE_LINE = 2
 
 
 def node_of(adapter):
-    """Its node, once udev has done its work on it, which is a little after the node is there."""
+    """Its node, once udev has initialised it, which is a little after the node is there."""
     node = adapter.node(SLOW)
     subprocess.run(["udevadm", "wait", "--timeout=%d" % SLOW, node], check=True)
     return node

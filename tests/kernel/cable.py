@@ -1,9 +1,11 @@
 """A USB serial adapter of a real kernel, with a simulated Vorrano at the other end of its line."""
 import os
+import subprocess
 import threading
 import tty
 
-from adapter import node_of
+from adapter import SLOW, node_of
+from harness.waiting import wait_for
 from usb_adapter import FtdiAdapter
 
 
@@ -12,13 +14,18 @@ class Cable:
 
     def __init__(self, vorrano, serial="A1B2"):
         self._vorrano, self._serial = vorrano, serial
-        self.adapter = self._line = self._left = self._taken = None
+        self.adapter = self._node = self._line = self._left = self._taken = None
         self.events = []
 
     def plug(self):
-        """Plugs it in; gives its node once udev has done its work on it."""
+        """Plugs it in; gives its node once udev has initialised it."""
+        if self._node:
+            # A pull takes the kernel and udev a while.
+            wait_for("%s to go" % self._node, lambda: not os.path.exists(self._node), SLOW)
+            subprocess.run(["udevadm", "settle"], check=True)
         self.push_in()
-        return node_of(self.adapter)
+        self._node = node_of(self.adapter)
+        return self._node
 
     def push_in(self):
         node = self._vorrano.do("plug")["node"]

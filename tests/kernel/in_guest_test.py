@@ -8,49 +8,82 @@ import subprocess
 import sys
 import tempfile
 
-IN_GUEST = os.path.join(os.path.dirname(os.path.abspath(__file__)), "in-guest")
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.dont_write_bytecode = True
+sys.path[:0] = [os.path.join(HERE, "..", "e2e")]
 
-# What is sent to the rig ends its guest, as that of a real one does.
+from harness.waiting import wait_for                                  # noqa: E402
+
+# SIGTERM to the rig ends its guest, as it does with a real rig.
 RIG = """#!/bin/sh
-echo guest >>"$NOTES"
+echo begun >>"$NOTES"
 setsid "$@" &
-trap 'kill -KILL -$!; exit 143' TERM
+trap 'kill -KILL -$!; echo ended >>"$NOTES"; exit 143' TERM
 wait $!
 """
 STOPS_ONCE = 'test -e "$NOTES.stopped" || { touch "$NOTES.stopped"; kill -STOP 0; }; exit 3'
 STOPS_ALWAYS = "kill -STOP 0"
-# Twice as long as the sign of life may take.
-IS_BUSY = "sleep 11; exit 3"
+# Longer than a guest may be still here, and than it may take to its first sign of life.
+IS_BUSY = "sleep 20; exit 3"
+IS_KILLED = "kill -KILL $$"
 
 
-def run(script):
-    """Gives the status, the number of guests, and what in-guest said."""
-    with tempfile.TemporaryDirectory() as folder:
-        rig, notes = os.path.join(folder, "rig"), os.path.join(folder, "notes")
+class InGuest:
+    def __init__(self, folder, script):
+        rig, self._notes = os.path.join(folder, "rig"), os.path.join(folder, "notes")
         with open(rig, "w", encoding="ascii") as file:
             os.fchmod(file.fileno(), 0o755)
             file.write(RIG)
-        ended = subprocess.run([IN_GUEST, "--still", "5", "--guests", "2", rig, "--", "/bin/sh", "-c", script],
-                               env={**os.environ, "NOTES": notes, "RIG_OUT": ""}, stderr=subprocess.PIPE, text=True,
-                               check=False)
-        with open(notes, encoding="ascii") as file:
-            return ended.returncode, len(file.readlines()), ended.stderr
+        self.process = subprocess.Popen(
+            [os.path.join(HERE, "in-guest"), "--still", "5", "--guests", "2", rig, "--", "/bin/sh", "-c", script],
+            env={**os.environ, "NOTES": self._notes, "RIG_OUT": ""}, stderr=subprocess.PIPE, text=True)
+
+    def notes(self):
+        try:
+            with open(self._notes, encoding="ascii") as file:
+                return file.read().split()
+        except FileNotFoundError:
+            return []
+
+
+def run(script):
+    """Gives the status, what the rig noted, and what in-guest said."""
+    with tempfile.TemporaryDirectory() as folder:
+        in_guest = InGuest(folder, script)
+        said = in_guest.process.communicate()[1]
+        return in_guest.process.returncode, in_guest.notes(), said
 
 
 def StartsAnotherGuestWhenOneStandsStill():
-    status, guests, said = run(STOPS_ONCE)
-    assert (status, guests) == (3, 2), (status, guests, said)
-    assert "guest 1 of 2 stood still" in said, said
+    ended = run(STOPS_ONCE)
+    assert ended == (3, ["begun", "ended", "begun"], "in-guest: guest 1 of 2 stood still\n"), ended
 
 
 def GivesUpAfterTheLastGuest():
-    status, guests, said = run(STOPS_ALWAYS)
-    assert (status, guests) == (124, 2), (status, guests, said)
+    status, notes, said = run(STOPS_ALWAYS)
+    assert (status, notes) == (124, ["begun", "ended", "begun", "ended"]), (status, notes, said)
 
 
 def LeavesAGuestAloneThatIsAlive():
-    status, guests, said = run(IS_BUSY)
-    assert (status, guests, said) == (3, 1, ""), (status, guests, said)
+    ended = run(IS_BUSY)
+    assert ended == (3, ["begun"], ""), ended
+
+
+def GivesTheStatusOfAProgramThatWasKilled():
+    ended = run(IS_KILLED)
+    assert ended == (128 + 9, ["begun"], ""), ended
+
+
+def EndsItsGuestWhenItIsTerminated():
+    with tempfile.TemporaryDirectory() as folder:
+        in_guest = InGuest(folder, 'touch "$NOTES.runs"; exec sleep 600')
+        wait_for("the program", lambda: os.path.exists(os.path.join(folder, "notes.runs")))
+
+        in_guest.process.terminate()
+
+        said = in_guest.process.communicate()[1]
+        assert in_guest.process.returncode == 143, (in_guest.process.returncode, said)
+        assert in_guest.notes() == ["begun", "ended"], (in_guest.notes(), said)
 
 
 if __name__ == "__main__":

@@ -2,7 +2,7 @@
 Wi-Fi tab on the screen and the Vorrano on the cable, as the one before it leaves them."""
 import subprocess
 
-from adapter import SLOW, Adapter
+from adapter import SLOW, Adapter, node_of
 from harness.firmware import FINISHED, begin, expect_image, image_of, wait_for_upload
 from harness.screens import NO_VORRANO, OTHER_VORRANO, open_wifi_setup
 from harness.waiting import wait_for
@@ -172,7 +172,7 @@ def TakesUpAnAdapterThatIsPulledWhileTheComputerSleeps(world):
 def SaysHowToUseTheOtherOfTwoAdaptersWhenItsOwnIsPulled(world):
     other = Adapter(serial="C3D4")
     other.plug()
-    node = other.node(SLOW)
+    node = node_of(other)
     # Told of both at once, the program would take the other one by itself.
     subprocess.run(["udevadm", "settle"], check=True)
     takes_it_up(world, world.cable.adapter.node(SLOW))
