@@ -22,20 +22,6 @@ constexpr std::chrono::nanoseconds kPollLeeway = std::chrono::milliseconds(5);
 
 } // namespace
 
-void ThreadsPort::Signal::give()
-{
-    const std::lock_guard lock(m_mutex);
-    m_isGiven = true;
-    m_given.notify_one();
-}
-
-void ThreadsPort::Signal::wait()
-{
-    std::unique_lock lock(m_mutex);
-    m_given.wait(lock, [this] { return m_isGiven; });
-    m_isGiven = false;
-}
-
 ThreadsPort::ThreadsPort(std::string node)
     : m_node(std::move(node))
 {
@@ -63,7 +49,7 @@ void ThreadsPort::close()
     if (!m_isOpen.exchange(false)) {
         return;
     }
-    m_requested.give();
+    m_requested.release();
     m_reader.join();
     m_writer.join();
     m_poller.join();
@@ -85,8 +71,8 @@ void ThreadsPort::next()
         return;
     }
     m_timeout.start(std::chrono::seconds(2));
-    m_requested.give();
-    m_written.wait();
+    m_requested.release();
+    m_written.acquire();
 }
 
 void ThreadsPort::take()
@@ -119,14 +105,14 @@ void ThreadsPort::readLine()
 void ThreadsPort::writeRequests()
 {
     while (true) {
-        m_requested.wait();
+        m_requested.acquire();
         if (!m_isOpen) {
             return;
         }
         const char request = m_request;
         // What was not written is not answered.
         [[maybe_unused]] const auto count = ::write(m_line, &request, 1);
-        m_written.give();
+        m_written.release();
     }
 }
 

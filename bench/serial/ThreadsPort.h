@@ -3,11 +3,10 @@
 #include "Port.h"
 
 #include <QObject>
+#include <QSemaphore>
 #include <QTimer>
 
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 #include <string>
 #include <thread>
 
@@ -25,18 +24,6 @@ public:
     void exchange(char request, int times, std::function<void(bool)> done) override;
 
 private:
-    // Sleeps at once, where a semaphore of the standard library looks again and again first.
-    class Signal {
-    public:
-        void give();
-        void wait();
-
-    private:
-        std::mutex m_mutex;
-        std::condition_variable m_given;
-        bool m_isGiven = false;
-    };
-
     void next();
     void take();
     void readLine();
@@ -51,8 +38,9 @@ private:
     std::function<void(bool)> m_done;
     std::atomic<bool> m_isOpen = false;
     std::atomic<char> m_request = 0;
-    Signal m_requested;
-    Signal m_written;
+    // Their waiters sleep at once; those of the standard library's semaphores look again and again first.
+    QSemaphore m_requested;
+    QSemaphore m_written;
     std::thread m_reader;
     std::thread m_writer;
     std::thread m_poller;
